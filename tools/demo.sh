@@ -1,0 +1,23 @@
+#!/usr/bin/env bash
+# tools/demo.sh DIR: draws a few charts of the sample orders into DIR with the program kestrix, and says where they are.
+set -euo pipefail
+top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+dir=${1:?where to draw is missing}
+orders=$top/tests/data/orders_sample.csv
+mkdir -p "$dir"
+
+# picture NAME ARGUMENTS...: one chart of the orders' lines by order date.
+picture() {
+  local file=$dir/$1.png
+  shift
+  "$top/dev" run chart "$orders" --date "Order Year,Order Month,Order Day" "$@" -o "$file"
+  printf '  %s\n' "$file"
+}
+
+echo "A look at the table behind the pictures:"
+"$top/dev" run table "$orders" --columns "Order ID,Order Year,Order Month,Product Department,Order Quantity,Profit" --limit 8
+echo
+echo "Pictures of tests/data/orders_sample.csv:"
+picture quantity_by_month --value "Order Quantity" --series "Product Department" --by month --title "Ordered pieces by month"
+picture profit_by_week --value Profit --by week --type line --title "Profit by week"
+picture markets_by_year --value "Gross Sales" --series "Customer Market" --by year --title "Gross sales by market and year"
