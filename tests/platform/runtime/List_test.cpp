@@ -1,0 +1,103 @@
+// Positions, bounds and the lists' own arithmetic.
+#include "platform/runtime/List.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace vx {
+namespace {
+
+void* P(std::uintptr_t value) { return reinterpret_cast<void*>(value); }
+
+std::string MessageOf(const std::function<void()>& call) {
+  try {
+    call();
+  } catch (const EListError& error) {
+    return error.Message();
+  }
+  return "nothing raised";
+}
+
+TEST(List, PositionsOutsideRaiseAndChangeNothing) {
+  const auto list = Make<TList>();
+  list->Add(P(8));
+  list->Add(P(16));
+  for (const std::int32_t bad : {-1, 2, 2147483647}) {
+    const std::string wanted = "List index out of bounds (" + std::to_string(bad) + ")";
+    EXPECT_EQ(MessageOf([&] { list->Items(bad); }), wanted);
+    EXPECT_EQ(MessageOf([&] { list->Put(bad, P(1)); }), wanted);
+    EXPECT_EQ(MessageOf([&] { list->Delete(bad); }), wanted);
+    EXPECT_EQ(MessageOf([&] { list->Exchange(0, bad); }), wanted);
+    EXPECT_EQ(MessageOf([&] { list->Move(0, bad); }), wanted);
+    EXPECT_EQ(MessageOf([&] { list->Move(bad, 0); }), wanted);
+  }
+  EXPECT_EQ(MessageOf([&] { list->Insert(3, P(1)); }), "List index out of bounds (3)");
+  EXPECT_EQ(MessageOf([&] { list->SetCapacity(1); }), "List capacity out of bounds (1)");
+  EXPECT_EQ(MessageOf([&] { list->SetCapacity(-1); }), "List capacity out of bounds (-1)");
+  EXPECT_EQ(list->Count(), 2);
+  EXPECT_EQ(list->Items(1), P(16));
+
+  const auto empty = Make<TList>();
+  EXPECT_EQ(MessageOf([&] { empty->First(); }), "List index out of bounds (0)");
+  EXPECT_EQ(MessageOf([&] { empty->Last(); }), "List index out of bounds (-1)");
+}
+
+TEST(List, AgreesWithAPlainVector) {
+  const unsigned seed = std::random_device{}();
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  std::mt19937 random(seed);
+  const auto list = Make<TList>();
+  std::vector<void*> plain;
+  const auto below = [&](std::size_t limit) { return static_cast<std::int32_t>(random() % limit); };
+  for (int step = 0; step < 5000; ++step) {
+    void* const item = P(random() % 6);  // few values, null among them
+    const std::int32_t at = plain.empty() ? 0 : below(plain.size());
+    const std::int32_t to = plain.empty() ? 0 : below(plain.size());
+    switch (plain.empty() ? 0 : random() % 8) {
+      case 0:
+      case 1:
+        ASSERT_EQ(list->Add(item), static_cast<std::int32_t>(plain.size()));
+        plain.push_back(item);
+        break;
+      case 2:
+        list->Insert(at, item);
+        plain.insert(plain.begin() + at, item);
+        break;
+      case 3:
+        list->Delete(at);
+        plain.erase(plain.begin() + at);
+        break;
+      case 4: {
+        const auto found = std::find(plain.begin(), plain.end(), item);
+        ASSERT_EQ(list->Remove(item), found == plain.end() ? -1 : found - plain.begin());
+        if (found != plain.end()) plain.erase(found);
+        break;
+      }
+      case 5: {
+        void* const moved = plain[static_cast<std::size_t>(at)];
+        list->Move(at, to);
+        plain.erase(plain.begin() + at);
+        plain.insert(plain.begin() + to, moved);
+        break;
+      }
+      case 6:
+        list->Exchange(at, to);
+        std::swap(plain[static_cast<std::size_t>(at)], plain[static_cast<std::size_t>(to)]);
+        break;
+      default:
+        if (random() % 10 != 0) break;
+        list->Pack();
+        std::erase(plain, nullptr);
+    }
+    if (random() % 50 == 0) list->SetCapacity(list->Count());
+    ASSERT_EQ(std::vector<void*>(list->Data(), list->Data() + list->Count()), plain) << "step " << step;
+  }
+}
+
+}  // namespace
+}  // namespace vx
