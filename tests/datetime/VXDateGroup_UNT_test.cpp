@@ -1,0 +1,239 @@
+#include "datetime/VXDateGroup_UNT.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cmath>
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "datetime/WeekScope.h"
+#include "platform/runtime/Exceptions.h"
+#include "platform/runtime/Locale.h"
+#include "platform/runtime/StringResources.h"
+
+namespace vx {
+namespace {
+
+using std::chrono::days;
+using std::chrono::sys_days;
+using std::chrono::year;
+using std::chrono::year_month_day;
+
+constexpr sys_days kEpoch = year{1899} / 12 / 30;
+constexpr sys_days kEnd = year{2101} / 1 / 1;
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr auto kNoMode = static_cast<TVXGroupMode>(5);
+
+TDateTime NumberOf(sys_days day) { return static_cast<TDateTime>((day - kEpoch).count()); }
+
+// -- The model: groups by the standard library's calendar -----------------------------------------------------------
+
+sys_days LabelOf(TVXGroupMode mode, sys_days day) {
+  const year_month_day date{day};
+  switch (mode) {
+    case vxgrOneDay:
+      return day;
+    case vxgrOneWeek:
+      return day - (std::chrono::weekday{day} - std::chrono::weekday{static_cast<unsigned>(GVXStartOfWeek - 1)});
+    case vxgrOneMonth:
+      return date.year() / date.month() / 1;
+    case vxgrOneYear:
+      return date.year() / 1 / 1;
+    default:
+      break;
+  }
+  int closing = static_cast<int>(date.year());
+  while (closing % 100 != 0) ++closing;
+  return year{closing} / 1 / 1;
+}
+
+sys_days NextLabelOf(TVXGroupMode mode, sys_days day) {
+  const year_month_day label{LabelOf(mode, day)};
+  switch (mode) {
+    case vxgrOneDay:
+      return sys_days{label} + days{1};
+    case vxgrOneWeek:
+      return sys_days{label} + days{7};
+    case vxgrOneMonth:
+      return label + std::chrono::months{1};
+    case vxgrOneYear:
+      return label + std::chrono::years{1};
+    default:
+      return label + std::chrono::years{100};
+  }
+}
+
+/// The stretch of a mode's horizon: from the first day of the first group, or from its last day.
+double StretchOf(TVXGroupMode mode, sys_days from, sys_days to, bool alignOnStart) {
+  const sys_days begin = alignOnStart ? LabelOf(mode, from) : NextLabelOf(mode, from) - days{1};
+  const sys_days limit = alignOnStart ? to : NextLabelOf(mode, to) - days{1};
+  sys_days end = begin;
+  for (std::int32_t group = 0; group < GetGroupHorizon(mode); ++group) end = NextLabelOf(mode, end);
+  return end - days{1} > limit ? 0 : static_cast<double>((end - begin).count());
+}
+
+// -- Groups ---------------------------------------------------------------------------------------------------------
+
+TEST(DateGroup, AgreesWithTheCalendarOnEveryDay) {
+  for (const auto mode : {vxgrOneDay, vxgrOneMonth, vxgrOneYear, vxgrOneCentury}) {
+    for (sys_days day = kEpoch; day < kEnd; day += days{1}) {
+      const TDateTime noon = NumberOf(day) + 0.5;
+      ASSERT_EQ(GetGroupDate(mode, noon), NumberOf(LabelOf(mode, day))) << +mode << ", " << noon;
+      ASSERT_EQ(GetNextGroupDate(mode, noon), NumberOf(NextLabelOf(mode, day))) << +mode << ", " << noon;
+    }
+  }
+}
+
+TEST(DateGroup, BeginsWeeksOnTheChosenDay) {
+  for (std::int32_t start = 1; start <= 7; ++start) {
+    const TWeekScope scope(start);
+    for (sys_days day = kEpoch; day < kEnd; day += days{1}) {
+      const TDateTime evening = NumberOf(day) + 0.9;
+      ASSERT_EQ(GetGroupDate(vxgrOneWeek, evening), NumberOf(LabelOf(vxgrOneWeek, day))) << start << ", " << evening;
+      ASSERT_EQ(GetNextGroupDate(vxgrOneWeek, evening), NumberOf(NextLabelOf(vxgrOneWeek, day)));
+    }
+  }
+}
+
+TEST(DateGroup, NamesACenturyByTheYearThatClosesIt) {
+  EXPECT_EQ(GetGroupDate(vxgrOneCentury, EncodeDate(1950, 7, 1)), EncodeDate(2000, 1, 1));
+  EXPECT_EQ(GetGroupDate(vxgrOneCentury, EncodeDate(2000, 12, 31)), EncodeDate(2000, 1, 1));
+  EXPECT_EQ(GetGroupDate(vxgrOneCentury, EncodeDate(2001, 1, 1)), EncodeDate(2100, 1, 1));
+  EXPECT_EQ(GetNextGroupDate(vxgrOneCentury, EncodeDate(2000, 1, 1)), EncodeDate(2100, 1, 1));
+}
+
+TEST(DateGroup, StandsAtTheEdgesOfTheCalendar) {
+  EXPECT_EQ(GetGroupDate(vxgrOneDay, -1.25), -1);
+  EXPECT_EQ(GetGroupDate(vxgrOneYear, -0.25), EncodeDate(1899, 1, 1));
+  EXPECT_EQ(GetGroupDate(vxgrOneCentury, kFirstDate), EncodeDate(100, 1, 1));
+  EXPECT_EQ(GetGroupDate(vxgrOneYear, kLastDate), EncodeDate(9999, 1, 1));
+  EXPECT_EQ(GetNextGroupDate(vxgrOneDay, kLastDate), kLastDate + 1);
+  EXPECT_THROW(GetGroupDate(vxgrOneCentury, EncodeDate(9901, 1, 1)), EConvertError);
+  EXPECT_THROW(GetNextGroupDate(vxgrOneYear, kLastDate), EConvertError);
+  for (const double noDate : {kNaN, 1e300, -1e9}) {
+    EXPECT_THROW(GetGroupDate(vxgrOneMonth, noDate), EConvertError);
+    GetNextGroupDate(vxgrOneDay, noDate);
+    GetNextGroupDate(vxgrOneWeek, noDate);
+  }
+}
+
+TEST(DateGroup, TakesAnUnknownModeForDaysButHasNoRowForIt) {
+  EXPECT_EQ(GetGroupDate(kNoMode, 45351.75), 45351);
+  EXPECT_EQ(GetNextGroupDate(kNoMode, 45351.75), 45352);
+  EXPECT_THROW(GetGroupName(kNoMode), ENilAccess);
+  EXPECT_THROW(GetGroupDateHorizon(kNoMode, 0, 100, true), ENilAccess);
+  EXPECT_THROW(GetGroupDateHorizon(kNoMode, 0, 100, false), ENilAccess);
+}
+
+// -- Spans ----------------------------------------------------------------------------------------------------------
+
+TEST(DateGroup, ChoosesTheFinestModeThatFits) {
+  struct TCase {
+    double span;
+    TVXGroupMode mode;
+  };
+  const TCase cases[] = {
+      {-1000, vxgrOneDay},     {0, vxgrOneDay},      {14, vxgrOneDay},        {14.99, vxgrOneDay},
+      {15, vxgrOneWeek},       {97, vxgrOneWeek},    {98, vxgrOneMonth},      {389, vxgrOneMonth},
+      {390, vxgrOneYear},      {73364, vxgrOneYear}, {73365, vxgrOneCentury}, {3'652'058, vxgrOneCentury},
+      {1e300, vxgrOneCentury}, {-1e300, vxgrOneDay}, {kNaN, vxgrOneDay},
+  };
+  for (const TCase& c : cases) EXPECT_EQ(BestGroupMode(100, 100 + c.span), c.mode) << c.span;
+}
+
+TEST(DateGroup, MeasuresAHorizonAsTheCalendarDoes) {
+  std::mt19937 random(20'240'229);
+  SCOPED_TRACE("seed 20240229");
+  for (int round = 0; round < 3000; ++round) {
+    const TWeekScope scope(static_cast<std::int32_t>(random() % 7 + 1));
+    const auto mode = static_cast<TVXGroupMode>(random() % 4);
+    const sys_days from = kEpoch + days{random() % 60'000};
+    // Close to the edge between fitting and not, as often as far from it.
+    const double around = GetGroupHorizon(mode) * GetGroupIncrement(mode);
+    const sys_days to = from + days{static_cast<int>(around) + static_cast<int>(random() % 80) - 40};
+    for (const bool alignOnStart : {true, false}) {
+      ASSERT_EQ(GetGroupDateHorizon(mode, NumberOf(from) + 0.5, NumberOf(to), alignOnStart),
+                StretchOf(mode, from, to, alignOnStart))
+          << "mode " << +mode << " from " << NumberOf(from) << " to " << NumberOf(to) << ", on start " << alignOnStart
+          << ", weeks from " << GVXStartOfWeek;
+    }
+  }
+}
+
+TEST(DateGroup, MeasuresHorizonsByHand) {
+  const TDateTime from = EncodeDate(2024, 1, 10), to = EncodeDate(2026, 1, 1);
+  EXPECT_EQ(GetGroupDateHorizon(vxgrOneMonth, from, to, true), 366) << "twelve months from the first of January";
+  EXPECT_EQ(GetGroupDateHorizon(vxgrOneMonth, from, to, false), 336) << "eleven months and the last day of January";
+  EXPECT_EQ(GetGroupDateHorizon(vxgrOneMonth, from, EncodeDate(2024, 12, 31), true), 366);
+  EXPECT_EQ(GetGroupDateHorizon(vxgrOneMonth, from, EncodeDate(2024, 12, 30), true), 0);
+  EXPECT_EQ(GetGroupDateHorizon(vxgrOneMonth, from, EncodeDate(2024, 12, 1), false), 336)
+      << "December counts as a whole";
+  EXPECT_EQ(GetGroupDateHorizon(vxgrOneMonth, from, EncodeDate(2024, 11, 30), false), 0);
+  // Ninety-nine centuries are more than the calendar has.
+  for (const bool alignOnStart : {true, false})
+    EXPECT_EQ(GetGroupDateHorizon(vxgrOneCentury, from, EncodeDate(9800, 1, 1), alignOnStart), 0);
+}
+
+TEST(DateGroup, MeasuresNothingWhereNumbersAreNoDates) {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  for (const double from : {kNaN, kInfinity, -kInfinity, 1e300}) {
+    for (const bool alignOnStart : {true, false}) {
+      EXPECT_EQ(GetGroupDateHorizon(vxgrOneDay, from, kInfinity, alignOnStart), 0) << from;
+      EXPECT_THROW(GetGroupDateHorizon(vxgrOneYear, from, kInfinity, alignOnStart), EConvertError) << from;
+    }
+  }
+}
+
+// -- Start and end --------------------------------------------------------------------------------------------------
+
+/// Starts the unit anew under other circumstances, and again when these are over.
+class TUnitScope {
+ public:
+  TUnitScope() { Restart(); }
+  ~TUnitScope() { Restart(); }
+  TUnitScope(const TUnitScope&) = delete;
+  TUnitScope& operator=(const TUnitScope&) = delete;
+
+ private:
+  static void Restart() {
+    VXDateGroup_UNT::FinalizeUnit();
+    VXDateGroup_UNT::InitializeUnit();
+  }
+};
+
+TEST(DateGroupUnit, CopiesTheLocaleWhenItStarts) {
+  const TLocaleScope before(ClassicLocale());
+  const TUnitScope unit;
+  Locale().ShortDateFormat = "yyyy-MM-dd";
+  VXDateGroup_UNT::InitializeUnit();  // a second user starts nothing
+  EXPECT_EQ(GetGroupDateFormat(vxgrOneDay), "M/d/yyyy");
+  EXPECT_EQ(GetGroupDateFormat(vxgrOneWeek), "M/d/yyyy");
+  EXPECT_EQ(GetGroupDateFormat(vxgrOneMonth), "mmm yyyy");
+  VXDateGroup_UNT::FinalizeUnit();  // and ends nothing
+  EXPECT_EQ(GetGroupName(vxgrOneCentury), "Century");
+  {
+    const TUnitScope again;
+    EXPECT_EQ(GetGroupDateFormat(vxgrOneDay), "yyyy-MM-dd");
+  }
+  Locale() = ClassicLocale();
+}
+
+TEST(DateGroupUnit, LoadsTheNamesWhenItStarts) {
+  SetResourceString(14672, "Tag");
+  EXPECT_EQ(GetGroupName(vxgrOneDay), "Day");
+  {
+    const TUnitScope unit;
+    EXPECT_EQ(GetGroupName(vxgrOneDay), "Tag");
+    ResetResourceStrings();
+  }
+  EXPECT_EQ(GetGroupName(vxgrOneDay), "Day");
+  EXPECT_EQ(LoadStr(14667), "Invalid duration: .%0:s.");
+  for (const std::int32_t unknown : {14668, 14671, 0, -1, std::numeric_limits<std::int32_t>::max()})
+    EXPECT_EQ(LoadStr(unknown), "") << unknown;
+}
+
+}  // namespace
+}  // namespace vx
