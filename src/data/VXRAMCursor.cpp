@@ -1,0 +1,406 @@
+#include "data/VXRAMCursor.h"
+
+#include "data/VXRAMFilterMatch.h"
+#include "data/VXRAMTable_CMP.h"
+
+namespace vx {
+
+// -- TVXRAMFilter -----------------------------------------------------------------------------------------------------
+
+const TClass& TVXRAMFilter::StaticClass() {
+  static const TClass info("TVXRAMFilter", &TObject::StaticClass());
+  return info;
+}
+
+void TVXRAMFilter::SetFilter(TVXRAMFieldDef* field, const Variant& value) {
+  field_ = field;
+  value_ = value;
+  Changed();
+}
+
+void TVXRAMFilter::Set_Field(TVXRAMFieldDef* field) {
+  field_ = field;
+  value_ = Variant();
+  Changed();
+}
+
+void TVXRAMFilter::Set_Value(const Variant& value) {
+  value_ = value;
+  Changed();
+}
+
+void TVXRAMFilter::Changed() { OnChange(this); }
+
+// -- TVXRAMCursorDesc -------------------------------------------------------------------------------------------------
+
+const TClass& TVXRAMCursorDesc::StaticClass() {
+  static const TClass info("TVXRAMCursorDesc", &TObject::StaticClass());
+  return info;
+}
+
+TVXRAMCursorDesc::TVXRAMCursorDesc(TComponent* owner, std::int32_t indexNumber, TVXRAMCursorOrder order,
+                                   std::string sortedField, TVXRAMFieldDef* filterField, Variant filterValue)
+    : Owner(owner),
+      IndexNumber(indexNumber),
+      Order(order),
+      SortedField(std::move(sortedField)),
+      FilterField(filterField),
+      FilterValue(std::move(filterValue)) {}
+
+// -- TVXRAMCursor: life -----------------------------------------------------------------------------------------------
+
+const TClass& TVXRAMCursor::StaticClass() {
+  static const TClass info("TVXRAMCursor", &TPersistent::StaticClass());
+  return info;
+}
+
+TVXRAMCursor::TVXRAMCursor(TVXRAMTable* table, TVXRAMIndexDef* indexDef, TVXRAMCursorDesc* desc)
+    : table_(&Need(table, "table of the cursor")),
+      desc_(&Need(desc, "description of the cursor")),
+      owner_(desc->Owner),
+      order_(desc->Order),
+      sortedField_(desc->SortedField),
+      sortParser_(Make<TVXStringParser>(";", "")),
+      filter_(Make<TVXRAMFilter>()),
+      filteredList_(Make<TVXList>()),
+      index_(indexDef == nullptr ? nullptr : indexDef->Get_Index()) {}
+
+void TVXRAMCursor::AfterConstruction() {
+  TPersistent::AfterConstruction();
+  filter_->OnChange = TNotifyEvent(*this, &TVXRAMCursor::FilterChange);
+  TVXRAMCursorDesc& desc = *desc_;
+  filter_->SetFilter(desc.FilterField.Get(), desc.FilterValue);
+  GoToFirstRec();
+  desc_ = nullptr;
+}
+
+void TVXRAMCursor::TearDown() {
+  table_->CursorFreed(this);
+  filter_->OnChange = nullptr;
+  // Kept: the owner comes to know the table when a cursor goes, not when it is opened.
+  if (TComponent* const owner = owner_.Get()) owner->FreeNotification(table_);
+  TPersistent::TearDown();
+}
+
+void TVXRAMCursor::ReleaseMemory() {
+  table_->WhenIdle([this] { delete this; });
+}
+
+TVXRAMIndex* TVXRAMCursor::Get_Index() const { return index_; }
+
+// -- Lists ------------------------------------------------------------------------------------------------------------
+
+TVXList* TVXRAMCursor::Get_InternalRecordList() const {
+  return index_ == nullptr ? table_->Get_MainRecordList() : index_->Get_List();
+}
+
+TVXList* TVXRAMCursor::Get_ActiveRecordList() const {
+  return Get_IsFiltered() ? filteredList_.get() : Get_InternalRecordList();
+}
+
+std::int32_t TVXRAMCursor::Get_RecordCount() const { return Get_ActiveRecordList()->Count(); }
+
+bool TVXRAMCursor::Get_IsFiltered() const { return filter_->Get_Field() != nullptr || onFilterRecord_; }
+
+bool TVXRAMCursor::Get_CanUseIndex(const std::string& fieldName) const {
+  return table_->IndexNbByFieldName(fieldName) != -1;
+}
+
+// -- Position ---------------------------------------------------------------------------------------------------------
+
+std::int32_t TVXRAMCursor::Get_RecIndex() const {
+  return Ascending() ? physicalIndex_ : Get_RecordCount() - 1 - physicalIndex_;
+}
+
+void TVXRAMCursor::Set_RecIndex(std::int32_t value) {
+  physicalIndex_ = Ascending() ? value : Get_RecordCount() - 1 - value;
+}
+
+bool TVXRAMCursor::Get_EOF() const {
+  const std::int32_t count = Get_RecordCount();
+  return count == 0 || (Ascending() ? count - 1 <= physicalIndex_ : physicalIndex_ < 1);
+}
+
+bool TVXRAMCursor::Get_BOF() const {
+  const std::int32_t count = Get_RecordCount();
+  return count == 0 || (Ascending() ? physicalIndex_ < 1 : count - 1 <= physicalIndex_);
+}
+
+std::int32_t TVXRAMCursor::Get_EffectiveRecordIndex() const {
+  if (Get_BOF()) return Ascending() ? 0 : Get_RecordCount() - 1;
+  if (Get_EOF()) return Ascending() ? Get_RecordCount() - 1 : 0;
+  return physicalIndex_;
+}
+
+TVXRAMRow* TVXRAMCursor::Get_CurrentRecord() const {
+  const TVXList* const list = Get_ActiveRecordList();
+  if (list == nullptr) return nullptr;
+  const std::int32_t at = Get_EffectiveRecordIndex();
+  return at == -1 ? nullptr : static_cast<TVXRAMRow*>(list->Items(at));
+}
+
+TVXRAMRow* TVXRAMCursor::NeedCurrentRecord() const { return &Need(Get_CurrentRecord(), "current record"); }
+
+void TVXRAMCursor::GoToFirstRec() { physicalIndex_ = Ascending() ? -1 : Get_RecordCount(); }
+
+void TVXRAMCursor::GoToLastRec() { physicalIndex_ = Ascending() ? Get_RecordCount() : -1; }
+
+std::int32_t TVXRAMCursor::GoToNextRec() {
+  if (Get_EOF()) return kAtEnd;
+  physicalIndex_ += Ascending() ? 1 : -1;
+  return kDone;
+}
+
+std::int32_t TVXRAMCursor::GoToPreviousRec() {
+  if (Get_BOF()) return kAtBeginning;
+  physicalIndex_ -= Ascending() ? 1 : -1;
+  return kDone;
+}
+
+// -- Rows by id -------------------------------------------------------------------------------------------------------
+
+std::int32_t TVXRAMCursor::Get_RecordID() const { return table_->InternalGetRecordID(Get_CurrentRecord()); }
+
+void TVXRAMCursor::Set_RecordID(std::int32_t id) {
+  if (id != kNoRecordId) SetRecIndexByID(id);
+}
+
+std::int32_t TVXRAMCursor::FindById(const TVXList& list, std::int32_t id) const {
+  const auto stands = [&](std::int32_t at) { return RowId(static_cast<const TVXRAMRow*>(list.Items(at))) == id; };
+  const std::int32_t count = list.Count();
+  // Where no id stands twice, a row that was just appended, or that hasn't moved, needs no walk.
+  if (table_->IdsAreUnique() && count > 0) {
+    if (stands(count - 1)) return count - 1;
+    if (physicalIndex_ >= 0 && physicalIndex_ < count && stands(physicalIndex_)) return physicalIndex_;
+  }
+  for (std::int32_t i = 0; i < count; ++i)
+    if (stands(i)) return i;
+  return -1;
+}
+
+void TVXRAMCursor::SetRecIndexByID(std::int32_t id) { physicalIndex_ = FindById(*Get_ActiveRecordList(), id); }
+
+std::int32_t TVXRAMCursor::Get_RecIndexById(std::int32_t id) {
+  if (id == kNoRecordId) return -1;
+  const std::int32_t kept = physicalIndex_;
+  SetRecIndexByID(id);
+  const std::int32_t answer = Get_RecIndex();
+  physicalIndex_ = kept;
+  return answer;
+}
+
+// -- Fields -----------------------------------------------------------------------------------------------------------
+
+void TVXRAMCursor::GetFieldValue(std::int32_t field, void* buffer, std::int32_t& size, bool& isNull) const {
+  const std::int32_t needed = table_->Get_FieldDefs()->Get_Item(field)->Get_ByteSize();
+  if (needed > size) {
+    size = needed;
+    throw ERTEBufferTooSmall("Field buffer too small!");
+  }
+  const TVXRAMRow* const row = NeedCurrentRecord();
+  isNull = InternalGetFieldStatus(row, field) != vxfsAssigned;
+  InternalGetFieldValue(row, field, buffer);
+}
+
+void TVXRAMCursor::SetFieldValue(std::int32_t field, const void* buffer) {
+  const TTableOperation running(*table_);
+  TVXRAMRow* const row = NeedCurrentRecord();
+  InternalSetFieldStatus(row, field, vxfsAssigned);
+  InternalSetFieldValue(row, field, buffer);
+  const std::int32_t index = table_->IndexNbByFieldNb(field);
+  if (index == -1) return;
+  const std::int32_t id = RowId(row);
+  table_->Get_Indices()->Get_Item(index)->Get_Index()->ReBuild();
+  SetRecIndexByID(id);
+}
+
+void TVXRAMCursor::ClearFieldValue(std::int32_t field) {
+  TVXRAMRow* const row = NeedCurrentRecord();
+  InternalSetFieldStatus(row, field, vxfsNull);
+  InternalClearFieldValue(row, field);
+}
+
+bool TVXRAMCursor::FieldValueIsNull(std::int32_t field) const {
+  return InternalGetFieldStatus(NeedCurrentRecord(), field) == vxfsNull;
+}
+
+Variant TVXRAMCursor::Get_Value(std::int32_t field) const {
+  return RowVariant(NeedCurrentRecord(), table_->Get_FieldDefs()->Get_Item(field)->Get_Slot());
+}
+
+// -- Adding, editing, deleting ----------------------------------------------------------------------------------------
+
+void TVXRAMCursor::InsertRec() {
+  const TTableOperation running(*table_);
+  std::int32_t id = kNoRecordId;
+  if (As<TVXRAMBaseIndex>(index_) != nullptr) {
+    physicalIndex_ = table_->AddRecord(-1, id);
+    return;
+  }
+  // Kept: a cursor without an index has no way in here; data sets add filled rows.
+  const TVXRAMUserIndex& index = Need(Cast<TVXRAMUserIndex>(index_), "index of the cursor");
+  physicalIndex_ = table_->AddRecord(Need(index.Get_IndexDef(), "index definition").Index(), id);
+}
+
+void TVXRAMCursor::InsertRecWithValues(const TVXRecordStruct& record, bool append) {
+  const TTableOperation running(*table_);
+  std::int32_t id = kNoRecordId;
+  if (index_ == nullptr) {
+    // Kept: the position counts in the active list and is used in the main list; a filtered list is rebuilt anyway.
+    table_->AddRecordAndValues(record, -2, Get_EffectiveRecordIndex(), id, append);
+  } else {
+    const TVXRAMUserIndex& index = Need(Cast<TVXRAMUserIndex>(index_), "index of the cursor");
+    const std::int32_t number = Need(index.Get_IndexDef(), "index definition").Index();
+    table_->AddRecordAndValues(record, number, physicalIndex_, id, append);
+  }
+  SetRecIndexByID(id);
+}
+
+void TVXRAMCursor::UpdateRecWithValues(const TVXRecordStruct& record) {
+  const TTableOperation running(*table_);
+  updatingRecord_ = true;  // kept: stays set if a field's type doesn't fit
+  TVXRAMRow* const row = NeedCurrentRecord();
+  // Kept: the number of fields isn't compared here.
+  for (std::int32_t i = 0; i < table_->Get_FieldDefs()->Count(); ++i) table_->StoreField(row, i, record.Field(i));
+  updatingRecord_ = false;
+  RecordEditionNotification(Get_CurrentRecord());
+  const std::int32_t id = Get_RecordID();
+  table_->RebuildIndices();
+  SetRecIndexByID(id);
+}
+
+void TVXRAMCursor::DeleteRec() {
+  const TTableOperation running(*table_);
+  if (Get_RecordCount() < 1) throw Exception("Table empty!");
+  InternalDeleteRecord(Get_CurrentRecord());
+  if (!Ascending()) --physicalIndex_;
+  const std::int32_t count = Get_RecordCount();
+  if (physicalIndex_ < 0)
+    physicalIndex_ = 0;
+  else if (count <= physicalIndex_)
+    physicalIndex_ = count - 1;
+}
+
+// -- Order and filter -------------------------------------------------------------------------------------------------
+
+namespace VXRAMTable_CMP {
+
+std::string GetFieldName(const std::string& item) { return item.substr(0, item.find('.')); }
+
+TVXRAMCursorOrder GetFieldSortOrder(const std::string& item) {
+  const std::size_t point = item.find('.');
+  const bool descends = point != std::string::npos && point + 1 < item.size() && item[point + 1] == 'D';
+  return descends ? vxrcoDescending : vxrcoAscending;
+}
+
+}  // namespace VXRAMTable_CMP
+
+void TVXRAMCursor::Sort(const std::string& specification) {
+  sortParser_->SetText(specification);
+  table_->TakeSortFields(*sortParser_);
+  if (table_->SortByFields(*Get_ActiveRecordList())) GoToFirstRec();
+}
+
+void TVXRAMCursor::Set_SortedField(const std::string& value) {
+  if (value == sortedField_) return;
+  sortedField_ = value;
+  if (!value.empty()) InternalDoSort();
+}
+
+void TVXRAMCursor::SetOnFilterRecord(const TVXRAMCursorRecordFilterProc& value) {
+  // Kept: only the code is compared, so that the same method of another object is not taken over.
+  if (onFilterRecord_.SameCode(value)) return;
+  onFilterRecord_ = value;
+  FilterChange(filter_.get());
+}
+
+void TVXRAMCursor::FilterChange(TObject*) {
+  RebuildFilteredList(*Get_InternalRecordList());
+  InternalDoSort();
+}
+
+void TVXRAMCursor::RebuildFilteredList(const TVXList& source) {
+  const TTableOperation running(*table_);
+  filteredList_->Clear();
+  if (!Get_IsFiltered()) return;
+  // Kept: a value of Null restricts nothing, although the cursor counts as filtered.
+  const TVXRAMFieldDef* const field = filter_->Get_Value().IsNull() ? nullptr : filter_->Get_Field();
+  const TVXRAMFilterMatch match(field == nullptr ? TVXRAMFieldSlot() : field->Get_Slot(), filter_->Get_Value());
+  for (std::int32_t i = 0; i < source.Count(); ++i) {
+    auto* const row = static_cast<TVXRAMRow*>(source.Items(i));
+    if (field != nullptr && !match(row)) continue;
+    if (!onFilterRecord_ || onFilterRecord_(row, i)) filteredList_->Add(row);
+  }
+  GoToFirstRec();
+}
+
+// -- Bracket ----------------------------------------------------------------------------------------------------------
+
+void TVXRAMCursor::BeginUpdate() {
+  if (updateCounter_ == 0) StartUpdating();
+  ++updateCounter_;
+}
+
+void TVXRAMCursor::EndUpdate() {
+  const TTableOperation running(*table_);
+  if (updateCounter_ > 0) --updateCounter_;
+  if (updateCounter_ == 0) EndUpdating();
+}
+
+bool TVXRAMCursor::Get_IsUpdating() const { return updateCounter_ > 0 || table_->Get_IsUpdating(); }
+
+// -- Notifications ----------------------------------------------------------------------------------------------------
+
+IRecordOwner& TVXRAMCursor::RecordOwner() const {
+  return *Cast<IRecordOwner>(&Need(owner_.Get(), "owner of the cursor"), "data set");
+}
+
+void TVXRAMCursor::RecordDeletionNotification(TVXRAMCursor*, TVXRAMRow* row) {
+  if (Get_IsFiltered()) filteredList_->Remove(row);
+  RecordOwner().Refresh();
+}
+
+void TVXRAMCursor::RecordInsertionNotification(TVXRAMRow*) {
+  RebuildFilteredList(*Get_InternalRecordList());
+  InternalDoSort();
+}
+
+void TVXRAMCursor::RecordEditionNotification(TVXRAMRow*) {}
+
+void TVXRAMCursor::TableClearingNotification() {
+  filteredList_->Clear();
+  physicalIndex_ = Ascending() ? -1 : Get_RecordCount();
+}
+
+void TVXRAMCursor::IndexRebuildingNotification() { RebuildFilteredList(*Get_InternalRecordList()); }
+
+void TVXRAMCursor::TablePackingNotification() { RebuildFilteredList(*Get_InternalRecordList()); }
+
+// -- Rows as such -----------------------------------------------------------------------------------------------------
+
+TVXRAMRow* TVXRAMCursor::InternalAllocRecordBuffer() { return table_->InternalAllocRecordBuffer(); }
+void TVXRAMCursor::InternalClearAllFieldValues(TVXRAMRow* row) { table_->InternalClearAllFieldValues(row); }
+void TVXRAMCursor::InternalClearFieldValue(TVXRAMRow* row, std::int32_t field) {
+  table_->InternalClearFieldValue(row, field);
+}
+void TVXRAMCursor::InternalDeleteRecord(TVXRAMRow* row) { table_->DeleteRecord(this, row); }
+void TVXRAMCursor::InternalFreeRecordBuffer(TVXRAMRow* row) { table_->InternalFreeRecordBuffer(row); }
+std::int32_t TVXRAMCursor::InternalInitRecord(TVXRAMRow* row) { return table_->InternalInitRecord(row); }
+void TVXRAMCursor::InternalSetFieldStatus(TVXRAMRow* row, std::int32_t field, TVXFieldStatus status) {
+  table_->InternalSetFieldStatus(row, field, status);
+}
+TVXFieldStatus TVXRAMCursor::InternalGetFieldStatus(const TVXRAMRow* row, std::int32_t field) const {
+  return table_->InternalGetFieldStatus(row, field);
+}
+void TVXRAMCursor::InternalSetFieldValue(TVXRAMRow* row, std::int32_t field, const void* buffer) {
+  table_->InternalSetFieldValue(row, field, buffer);
+}
+void TVXRAMCursor::InternalGetFieldValue(const TVXRAMRow* row, std::int32_t field, void* buffer) const {
+  table_->InternalGetFieldValue(row, field, buffer);
+}
+bool TVXRAMCursor::InternalIsRecordMatchFilter(const TVXRAMFilter& filter, const TVXRAMRow* row) const {
+  return table_->InternalIsRecordMatchFilter(filter, row);
+}
+void TVXRAMCursor::InternalSetRecordId(TVXRAMRow* row, std::int32_t id) { table_->InternalSetRecordId(row, id); }
+
+}  // namespace vx

@@ -1,0 +1,193 @@
+#include "data/VXRAMIndex.h"
+
+#include "data/VXRAMSort.h"
+#include "data/VXRAMTable_CMP.h"
+#include "platform/component/Published.h"
+
+namespace vx {
+
+// -- TVXRAMIndex ------------------------------------------------------------------------------------------------------
+
+const TClass& TVXRAMIndex::StaticClass() {
+  static const TClass info("TVXRAMIndex", &TObject::StaticClass());
+  return info;
+}
+
+TVXRAMIndex::TVXRAMIndex(TVXRAMTable* table) : table_(table), list_(Make<TVXList>()) {}
+
+TVXRAMFieldType TVXRAMIndex::KeyType() const { return static_cast<TVXRAMFieldType>(GetFieldType() & 0x7F); }
+
+std::int32_t TVXRAMIndex::Add(TVXRAMRow* row) {
+  table_->idsAreUnique_ = false;  // the caller may add what is there already
+  return list_->Add(row);
+}
+
+std::int32_t TVXRAMIndex::Insert(TVXRAMRow* row) {
+  const std::int32_t position = Add(row);
+  ReBuild();
+  return position;
+}
+
+void TVXRAMIndex::ReBuild() {
+  fieldOffset_ = GetFieldOffset();
+  fieldStatusOffset_ = GetFieldStatusOffset();
+  fieldSize_ = GetFieldByteSize();
+  Pack();
+  const TVXRAMFieldType type = KeyType();
+  if (type > kLastFieldType) throw ERTEInvalidFieldType("Cannot sort on a field of this type.");
+  SortRows(list_->Data(), list_->Count(), {{{fieldStatusOffset_, fieldOffset_, fieldSize_, type}}});
+  table_->IndexRebuildingNotification(this);
+}
+
+std::int32_t TVXRAMIndex::LocateFirst(const void* key) {
+  fieldOffset_ = GetFieldOffset();
+  const TVXRAMFieldType type = KeyType();
+  if (type > kLastFieldType) return -1;
+  const TVXRAMFieldSlot slot{-1, fieldOffset_, GetFieldByteSize(), type};
+  const auto below = [&](std::int32_t i) { return CompareRowWithKey(Get_Record(i), slot, key) < 0; };
+  // Kept: the search of integers answers other numbers where there is no such row.
+  const bool integers = type == vxrftInteger || type == vxrftDuration;
+  std::int32_t low = 0;
+  std::int32_t high = Get_RecCount() - 1;
+  if (high < 0) return integers ? 0 : -1;
+  if (!below(low)) return 0;
+  if (below(high)) return integers ? high : -2;
+  for (;;) {
+    const std::int32_t middle = low + (high - low + 1) / 2;
+    if (high <= middle) return middle;
+    (below(middle) ? low : high) = middle;
+  }
+}
+
+std::int32_t TVXRAMIndex::CompareAs(TVXRAMFieldType type, const TVXRAMRow* first, const TVXRAMRow* second) const {
+  return CompareRows(first, second, {fieldStatusOffset_, fieldOffset_, fieldSize_, type});
+}
+
+std::int32_t TVXRAMIndex::BooleanSortCompare(const TVXRAMRow* first, const TVXRAMRow* second) const {
+  return CompareAs(vxrftBoolean, first, second);
+}
+std::int32_t TVXRAMIndex::DateTimeSortCompare(const TVXRAMRow* first, const TVXRAMRow* second) const {
+  return CompareAs(vxrftDateTime, first, second);
+}
+std::int32_t TVXRAMIndex::FloatSortCompare(const TVXRAMRow* first, const TVXRAMRow* second) const {
+  return CompareAs(vxrftFloat, first, second);
+}
+std::int32_t TVXRAMIndex::IntegerSortCompare(const TVXRAMRow* first, const TVXRAMRow* second) const {
+  return CompareAs(vxrftInteger, first, second);
+}
+std::int32_t TVXRAMIndex::SmallintSortCompare(const TVXRAMRow* first, const TVXRAMRow* second) const {
+  return CompareAs(vxrftSmallint, first, second);
+}
+std::int32_t TVXRAMIndex::StringSortCompare(const TVXRAMRow* first, const TVXRAMRow* second) const {
+  return CompareAs(vxrftString, first, second);
+}
+std::int32_t TVXRAMIndex::WordSortCompare(const TVXRAMRow* first, const TVXRAMRow* second) const {
+  return CompareAs(vxrftWord, first, second);
+}
+
+const TClass& TVXRAMBaseIndex::StaticClass() {
+  static const TClass info("TVXRAMBaseIndex", &TVXRAMIndex::StaticClass());
+  return info;
+}
+
+// -- TVXRAMUserIndex --------------------------------------------------------------------------------------------------
+
+const TClass& TVXRAMUserIndex::StaticClass() {
+  static const TClass info("TVXRAMUserIndex", &TVXRAMIndex::StaticClass());
+  return info;
+}
+
+TVXRAMFieldDef& TVXRAMUserIndex::Field() const {
+  return Need(Need(definition_, "index definition").Get_Field(), "field of the index");
+}
+
+std::int32_t TVXRAMUserIndex::GetFieldByteSize() const { return Field().Get_ByteSize(); }
+std::int32_t TVXRAMUserIndex::GetFieldOffset() const { return Field().Get_ValueOffset(); }
+std::int32_t TVXRAMUserIndex::GetFieldStatusOffset() const { return Field().Get_StatusOffset(); }
+TVXRAMFieldType TVXRAMUserIndex::GetFieldType() const { return Field().Get_DataType(); }
+
+// -- TVXRAMIndexDef ---------------------------------------------------------------------------------------------------
+
+const TClass& TVXRAMIndexDef::StaticClass() {
+  static const TClass info = TClassBuilder<TVXRAMIndexDef>("TVXRAMIndexDef", TCollectionItem::StaticClass())
+                                 .Property("FieldName", &TVXRAMIndexDef::Get_FieldName, &TVXRAMIndexDef::Set_FieldName)
+                                 .Build();
+  return info;
+}
+
+TVXRAMIndexDef::TVXRAMIndexDef(TCollection* collection) : TCollectionItem(collection) {
+  const auto* const owner = As<TVXRAMIndexDefs>(collection);
+  index_ = Make<TVXRAMUserIndex>(owner == nullptr ? nullptr : owner->Get_Table(), this);
+}
+
+std::string TVXRAMIndexDef::GetDisplayName() const {
+  const std::string name = Get_FieldName();
+  return name.empty() ? TCollectionItem::GetDisplayName() : name;
+}
+
+void TVXRAMIndexDef::TearDown() {
+  TVXRAMTable* const table = Get_Table();
+  index_->definition_ = nullptr;
+  if (table != nullptr) table->IndexFreed(std::move(index_));
+  TCollectionItem::TearDown();
+}
+
+TVXRAMTable* TVXRAMIndexDef::Get_Table() const {
+  const auto* const owner = As<TVXRAMIndexDefs>(Collection());
+  return owner == nullptr ? nullptr : owner->Get_Table();
+}
+
+std::string TVXRAMIndexDef::Get_FieldName() const {
+  const TVXRAMFieldDef* const field = field_.Get();
+  return field == nullptr ? std::string() : field->Get_Name();
+}
+
+void TVXRAMIndexDef::Set_FieldName(const std::string& value) {
+  const TVXRAMFieldDefs& fields = *Need(Get_Table(), "table of the index definition").Get_FieldDefs();
+  for (std::int32_t i = 0; i < fields.Count(); ++i) {
+    if (fields.Get_Item(i)->Get_Name() != value) continue;
+    field_ = fields.Get_Item(i);
+    return;
+  }
+  throw ERTEFieldDoesNotExist(ClassName() + ":\rCannot create an " + "index on this field: field does not exist.");
+}
+
+// -- TVXRAMIndexDefs --------------------------------------------------------------------------------------------------
+
+const TClass& TVXRAMIndexDefs::StaticClass() {
+  static const TClass info("TVXRAMIndexDefs", &TCollection::StaticClass());
+  return info;
+}
+
+TVXRAMIndexDefs::TVXRAMIndexDefs(TVXRAMTable* table)
+    : TCollection(TClassOf<TCollectionItem>::Of<TVXRAMIndexDef>()), table_(table) {}
+
+TPersistent* TVXRAMIndexDefs::GetOwner() const { return table_; }
+
+void TVXRAMIndexDefs::Assign(const TPersistent* source) {
+  if (source == this) return;
+  const auto* const defs = As<TVXRAMIndexDefs>(source);
+  if (defs == nullptr) return TCollection::Assign(source);
+  table_->CheckIndexDefChangesAllowed();
+  Clear();
+  for (std::int32_t i = 0; i < defs->Count(); ++i) {
+    TVXRAMIndexDef& copy = *Add();
+    const std::string name = defs->Get_Item(i)->Get_FieldName();
+    if (!name.empty()) copy.Set_FieldName(name);
+  }
+}
+
+TVXRAMIndexDef* TVXRAMIndexDefs::Add() {
+  table_->CheckIndexDefChangesAllowed();
+  return Cast<TVXRAMIndexDef>(TCollection::Add());
+}
+
+TVXRAMIndexDef* TVXRAMIndexDefs::Get_Item(std::int32_t index) const { return Cast<TVXRAMIndexDef>(Items(index)); }
+
+void TVXRAMIndexDefs::Set_Item(std::int32_t index, const TVXRAMIndexDef* value) {
+  table_->CheckIndexDefChangesAllowed();
+  TVXRAMIndexDef& item = *Get_Item(index);
+  item.Set_FieldName(Need(value, "index definition").Get_FieldName());
+}
+
+}  // namespace vx

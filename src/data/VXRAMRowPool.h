@@ -1,0 +1,93 @@
+// VXRAMRowPool.h: where the rows of a table live.
+//
+// Rows are cut from slabs, with their size in front of them; released rows are used again for rows of the same size.
+// The pool owns all of them and gives everything back at its end, so that a row which its table lost sight of is no
+// leak.
+//
+// Cost: Allocate and Release are O(1); four bytes a row beyond its own.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+#include "data/VXRAMTypes.h"
+
+namespace vx {
+
+class TVXRAMRowPool {
+ public:
+  /// A block of `size` bytes (1 to 2^31 - 1), uninitialised.
+  TVXRAMRow* Allocate(std::int32_t size);
+  /// Takes a block back. One that was released already raises EInvalidOperation. Null is ignored.
+  void Release(TVXRAMRow* row);
+
+  /// Rows that were allocated and not released, listed anywhere or not.
+  std::int64_t LiveRows() const { return live_; }
+  /// Bytes asked of the system.
+  std::int64_t SlabBytes() const { return slabBytes_; }
+
+  /// Size with which a live row was allocated, in bytes.
+  static std::int32_t SizeOf(const TVXRAMRow* row) {
+    std::int32_t size;
+    std::memcpy(&size, reinterpret_cast<const std::uint8_t*>(row) - kPrefix, sizeof size);
+    return size;
+  }
+
+ private:
+  static constexpr std::int32_t kPrefix = 4;
+
+  std::uint8_t* Cut(std::size_t bytes);
+
+  std::vector<std::unique_ptr<std::uint8_t[]>> slabs_;
+  std::uint8_t* next_ = nullptr;  // first free byte of the newest slab
+  std::size_t left_ = 0;
+  std::size_t nextSlab_ = 16 * 1024;
+  std::unordered_map<std::int32_t, std::uint8_t*>
+      released_;  // by size: chain of released rows, linked through their bytes
+  std::int64_t live_ = 0;
+  std::int64_t slabBytes_ = 0;
+};
+
+// -- Bytes of a row, never beyond its own size ------------------------------------------------------------------------
+
+inline const std::uint8_t* RowBytes(const TVXRAMRow* row) { return reinterpret_cast<const std::uint8_t*>(row); }
+inline std::uint8_t* RowBytes(TVXRAMRow* row) { return reinterpret_cast<std::uint8_t*>(row); }
+
+/// True if the row is as long as the field needs. Rows older than a change of the definitions may not be.
+inline bool RowHolds(const TVXRAMRow* row, const TVXRAMFieldSlot& slot) {
+  return slot.size >= 0 && slot.valueOffset >= 0 &&
+         std::int64_t{slot.valueOffset} + slot.size <= TVXRAMRowPool::SizeOf(row);
+}
+
+inline std::int32_t RowId(const TVXRAMRow* row) {
+  std::int32_t id;
+  std::memcpy(&id, RowBytes(row), sizeof id);
+  return id;
+}
+
+/// The status byte; null for a field beyond the row's end, assigned for a slot without a status.
+inline TVXFieldStatus RowStatus(const TVXRAMRow* row, const TVXRAMFieldSlot& slot) {
+  if (slot.statusOffset < 0) return vxfsAssigned;
+  return RowHolds(row, slot) ? static_cast<TVXFieldStatus>(RowBytes(row)[slot.statusOffset]) : vxfsNull;
+}
+
+/// The value as a T, which must not be larger than the slot; zero for a field beyond the row's end.
+template <class T>
+T RowValue(const TVXRAMRow* row, const TVXRAMFieldSlot& slot) {
+  T value{};
+  if (RowHolds(row, slot) && slot.size >= static_cast<std::int32_t>(sizeof value))
+    std::memcpy(&value, RowBytes(row) + slot.valueOffset, sizeof value);
+  return value;
+}
+
+/// The text of a slot up to its zero byte, or to the slot's end if there is none.
+inline std::string_view RowText(const TVXRAMRow* row, const TVXRAMFieldSlot& slot) {
+  if (!RowHolds(row, slot)) return {};
+  const char* const text = reinterpret_cast<const char*>(RowBytes(row)) + slot.valueOffset;
+  return {text, strnlen(text, static_cast<std::size_t>(slot.size))};
+}
+
+}  // namespace vx

@@ -1,0 +1,543 @@
+#include "data/VXRAMTable_CMP.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "data/VXRAMFilterMatch.h"
+#include "data/VXRAMSort.h"
+#include "platform/component/Published.h"
+#include "platform/runtime/Text.h"
+
+namespace vx {
+
+namespace {
+
+TVXRAMCursor* CursorAt(const TVXList& cursors, std::int32_t index) {
+  return static_cast<TVXRAMCursor*>(cursors.Items(index));
+}
+
+TVXRAMRow* NeedRow(TVXRAMRow* row) { return &Need(row, "row"); }
+const TVXRAMRow* NeedRow(const TVXRAMRow* row) { return &Need(row, "row"); }
+
+}  // namespace
+
+/// A walk over the cursors that were open when it began: who leaves meanwhile is passed over, who joins is not called.
+class TVXRAMTable::TCursorWalk {
+ public:
+  explicit TCursorWalk(TVXRAMTable& table) : table_(table), end_(table.cursors_->Count()), outer_(table.walks_) {
+    table_.walks_ = this;
+  }
+  TCursorWalk(const TCursorWalk&) = delete;
+  TCursorWalk& operator=(const TCursorWalk&) = delete;
+  ~TCursorWalk() { table_.walks_ = outer_; }
+
+  TVXRAMCursor* Next() { return next_ < end_ ? CursorAt(*table_.cursors_, next_++) : nullptr; }
+  void Left(std::int32_t position) {
+    if (position < next_) --next_;
+    if (position < end_) --end_;
+  }
+  TCursorWalk* Outer() const { return outer_; }
+
+ private:
+  TVXRAMTable& table_;
+  std::int32_t next_ = 0;
+  std::int32_t end_;
+  TCursorWalk* outer_;
+};
+
+// -- Life -------------------------------------------------------------------------------------------------------------
+
+const TClass& TVXRAMTable::StaticClass() {
+  static const TClass info = TClassBuilder<TVXRAMTable>("TVXRAMTable", TComponent::StaticClass())
+                                 .Property("FieldDefs", &TVXRAMTable::Get_FieldDefs, &TVXRAMTable::Set_FieldDefs)
+                                 .Build();
+  return info;
+}
+
+TVXRAMTable::TVXRAMTable(TComponent* owner)
+    : TComponent(owner),
+      mainRecordList_(Make<TVXList>()),
+      fieldDefs_(Make<TVXRAMFieldDefs>(this)),
+      indices_(Make<TVXRAMIndexDefs>(this)),
+      baseIndex_(Make<TVXRAMBaseIndex>(this)),
+      cursors_(Make<TVXList>()) {}
+
+TVXRAMTable::~TVXRAMTable() = default;
+
+void TVXRAMTable::BeforeDestruction() {
+  const std::int32_t count = cursors_->Count();
+  // Kept: each cursor leaves the list as it is freed, so that with two or more the walk runs beyond the list's end.
+  for (std::int32_t i = 0; i < count; ++i) CursorAt(*cursors_, i)->Free();
+  TComponent::BeforeDestruction();
+}
+
+void TVXRAMTable::TearDown() {
+  while (cursors_->Count() > 0) CursorAt(*cursors_, 0)->FreeAnyway();
+  ClearTable();
+  TComponent::TearDown();
+}
+
+void TVXRAMTable::ReleaseMemory() {
+  WhenIdle([this] { delete this; });
+}
+
+void TVXRAMTable::WhenIdle(std::function<void()> action) {
+  if (operations_ == 0) return action();
+  waiting_.push_back(std::move(action));
+}
+
+void TVXRAMTable::EndOperation() {
+  if (!droppedRows_.empty()) {
+    for (TVXRAMRow* const row : std::exchange(droppedRows_, {}))
+      if (IsNamed(row))
+        heldRows_.push_back(row);
+      else
+        pool_.Release(row);
+  }
+  if (waiting_.empty()) return;
+  // The last of these may free the table.
+  for (const auto& action : std::exchange(waiting_, {})) action();
+}
+
+// -- Definitions ------------------------------------------------------------------------------------------------------
+
+void TVXRAMTable::Set_FieldDefs(const TVXRAMFieldDefs* value) {
+  CheckFieldDefChangesAllowed();
+  fieldDefs_->Assign(value);
+}
+
+void TVXRAMTable::Set_Indices(const TVXRAMIndexDefs* value) { indices_->Assign(value); }
+
+void TVXRAMTable::CheckFieldDefChangesAllowed() const {
+  if (Get_RecCount() == 0) return;
+  throw ERTENoFieldDefChangesAllowed(ClassName() + ":\rNo modifications to " + "field definitions are allowed:\r '" +
+                                     Name() + "' is not empty.");
+}
+
+void TVXRAMTable::CheckIndexDefChangesAllowed() const {
+  if (Get_RecCount() == 0) return;
+  throw ERTENoIndexDefChangesAllowed(ClassName() + ":\rNo modifications to " + "index definitions are allowed:\r '" +
+                                     Name() + "' is not empty.");
+}
+
+std::int32_t TVXRAMTable::FieldNbByName(const std::string& name) const {
+  for (std::int32_t i = 0; i < fieldDefs_->Count(); ++i)
+    if (AnsiCompareText(fieldDefs_->Get_Item(i)->Get_Name(), name) == 0) return i;
+  return -1;
+}
+
+std::int32_t TVXRAMTable::IndexNbByFieldName(const std::string& name) const {
+  for (std::int32_t i = 0; i < indices_->Count(); ++i) {
+    const TVXRAMFieldDef* const field = indices_->Get_Item(i)->Get_Field();
+    if (field != nullptr && field->Get_Name() == name) return i;
+  }
+  return -1;
+}
+
+std::int32_t TVXRAMTable::IndexNbByFieldNb(std::int32_t field) const {
+  if (indices_->Count() == 0) return -1;
+  const TVXRAMFieldDef* const wanted = fieldDefs_->Get_Item(field);
+  for (std::int32_t i = 0; i < indices_->Count(); ++i)
+    if (indices_->Get_Item(i)->Get_Field() == wanted) return i;
+  return -1;
+}
+
+// -- Cursors ----------------------------------------------------------------------------------------------------------
+
+void TVXRAMTable::OpenCursor(TClassOf<TVXRAMCursor> cursorClass, TVXRAMCursorDesc* desc, TVXRAMCursor*& cursor) {
+  const std::int32_t number = Need(desc, "description of the cursor").IndexNumber;
+  if (number < -1 || number >= indices_->Count())
+    throw ERTENoSuchIndex(ClassName() + ":\rCannot create the " + "cursor: index does not exist.");
+  TVXRAMIndexDef* const index = number == -1 ? nullptr : indices_->Get_Item(number);
+  if (!cursorClass) cursorClass = TClassOf<TVXRAMCursor>::Of<TVXRAMCursor>();
+  TOwned<TVXRAMCursor> made = cursorClass.Make(this, index, desc);
+  cursors_->Add(made.get());
+  cursor = made.release();
+}
+
+void TVXRAMTable::CloseCursor(TVXRAMCursor*& cursor) {
+  TVXRAMCursor* const closing = std::exchange(cursor, nullptr);
+  // Kept: a stranger's cursor is left alive.
+  if (closing != nullptr && cursors_->IndexOf(closing) != -1) closing->Free();
+}
+
+void TVXRAMTable::CursorFreed(TVXRAMCursor* cursor) {
+  const std::int32_t position = cursors_->Remove(cursor);
+  if (position < 0) return;
+  for (TCursorWalk* walk = walks_; walk != nullptr; walk = walk->Outer()) walk->Left(position);
+}
+
+void TVXRAMTable::IndexFreed(TOwned<TVXRAMUserIndex> index) {
+  for (std::int32_t i = 0; i < cursors_->Count(); ++i) {
+    TVXRAMCursor& cursor = *CursorAt(*cursors_, i);
+    if (cursor.index_ == index.get()) cursor.index_ = nullptr;
+  }
+  if (operations_ > 0) WhenIdle([kept = std::shared_ptr<TVXRAMUserIndex>(std::move(index))] {});
+}
+
+template <class News>
+void TVXRAMTable::TellCursors(const News& tell) {
+  TCursorWalk walk(*this);
+  while (TVXRAMCursor* const cursor = walk.Next()) tell(*cursor);
+}
+
+// -- Bracket ----------------------------------------------------------------------------------------------------------
+
+void TVXRAMTable::BeginUpdate() {
+  if (updateCounter_ == 0) StartUpdating();
+  ++updateCounter_;
+}
+
+void TVXRAMTable::EndUpdate() {
+  if (updateCounter_ > 0) --updateCounter_;
+  if (updateCounter_ == 0) EndUpdating();
+}
+
+// -- Record structures ------------------------------------------------------------------------------------------------
+
+TOwnedRecordStruct TVXRAMTable::NewRecord() const {
+  fieldDefs_->CheckLayout();
+  const std::vector<TVXRAMFieldSlot>& slots = fieldDefs_->Get_Slots();
+  TOwnedRecordStruct record(new TVXRecordStruct);
+  record->FieldArrayPtr = new TVXFieldStruct*[slots.size()];
+  for (const TVXRAMFieldSlot& slot : slots) {
+    auto element = std::make_unique<TVXFieldStruct>();
+    element->FieldType = slot.type;
+    if (slot.type == vxrftString) {
+      element->StringPtr = new char[static_cast<std::size_t>(slot.size)]();
+      element->StringSize = slot.size;
+    }
+    record->FieldArrayPtr[record->ElementCount++] = element.release();
+  }
+  record->FieldCount = record->ElementCount;
+  return record;
+}
+
+void TVXRAMTable::NewRecordStruct(TVXRecordStruct*& record) const { record = NewRecord().release(); }
+
+void TVXRAMTable::DisposeRecordStruct(TVXRecordStruct*& record) const {
+  TFreeRecordStruct()(std::exchange(record, nullptr));
+}
+
+// -- Adding -----------------------------------------------------------------------------------------------------------
+
+std::int32_t TVXRAMTable::AddRecord(std::int32_t index, std::int32_t& recordId) {
+  const TTableOperation running(*this);
+  TVXRAMRow* const row = InternalAllocRecordBuffer();
+  recordId = InternalInitRecord(row);
+  std::int32_t result = -1;
+  const std::int32_t position = baseIndex_->list_->Add(row);
+  if (index == -1) result = position;
+  for (std::int32_t i = 0; i < indices_->Count(); ++i) {
+    const std::int32_t at = indices_->Get_Item(i)->Get_Index()->list_->Add(row);
+    if (i == index) result = at;
+  }
+  TellCursors([row](TVXRAMCursor& cursor) { cursor.RecordInsertionNotification(row); });
+  return result;
+}
+
+void TVXRAMTable::StoreField(TVXRAMRow* row, std::int32_t field, const TVXFieldStruct& element) {
+  const TVXRAMFieldSlot& slot = fieldDefs_->Get_Slots()[static_cast<std::size_t>(field)];
+  if (element.FieldType != slot.type)
+    throw Exception(
+        "DEVELOPPER NOTE: Mismatch between ARecordStruct.FieldArrayPtr^[ VI ].FieldType and FFieldDefs[ VI "
+        "].DataType.");
+  if (!RowHolds(row, slot)) WritableSlot(row, field);  // raises
+  std::uint8_t* const value = RowBytes(row) + slot.valueOffset;
+  const auto size = static_cast<std::size_t>(slot.size);
+  RowBytes(row)[slot.statusOffset] = element.IsNull ? vxfsNull : vxfsAssigned;
+  if (element.IsNull) {
+    std::memset(value, 0, size);
+    return;
+  }
+  // A structure may be older than a change of the field's size: what it doesn't have is zero.
+  const bool text = slot.type == vxrftString;
+  const std::size_t known = std::min(size, text ? static_cast<std::size_t>(element.StringSize) : sizeof element.Value);
+  std::memcpy(value, text ? static_cast<const void*>(element.StringPtr) : element.Value, known);
+  std::memset(value + known, 0, size - known);
+}
+
+std::int32_t TVXRAMTable::AddRecordAndValues(const TVXRecordStruct& record, std::int32_t index, std::int32_t position,
+                                             std::int32_t& recordId, bool append) {
+  const TTableOperation running(*this);
+  TVXRAMRow* const row = InternalAllocRecordBuffer();
+  recordId = InternalInitRecord(row);
+  // Kept: a structure that doesn't fit leaves its row allocated and listed nowhere.
+  if (record.FieldCount != fieldDefs_->Count())
+    throw Exception("DEVELOPPER NOTE: Mismatch between ARecordStruct.FieldCount and FFieldDefs.Count.");
+  for (std::int32_t i = 0; i < fieldDefs_->Count(); ++i) StoreField(row, i, record.Field(i));
+  std::int32_t result = -1;
+  if (!append && position >= 0)
+    mainRecordList_->Insert(position, row);  // kept: the result says nothing of it
+  else
+    result = mainRecordList_->Add(row);
+  for (std::int32_t i = 0; i < indices_->Count(); ++i) {
+    TVXRAMUserIndex& userIndex = *indices_->Get_Item(i)->Get_Index();
+    const std::int32_t at = userIndex.list_->Add(row);
+    userIndex.ReBuild();
+    if (i == index) result = at;
+  }
+  TellCursors([row](TVXRAMCursor& cursor) { cursor.RecordInsertionNotification(row); });
+  return result;
+}
+
+void TVXRAMTable::RebuildIndices() {
+  for (std::int32_t i = 0; i < indices_->Count(); ++i) indices_->Get_Item(i)->Get_Index()->ReBuild();
+}
+
+// -- Deleting and clearing --------------------------------------------------------------------------------------------
+
+void TVXRAMTable::DeleteRecord(TVXRAMCursor* origin, TVXRAMRow* row) {
+  if (row == nullptr) return;
+  const TTableOperation running(*this);
+  baseIndex_->Remove(row);
+  for (std::int32_t i = 0; i < indices_->Count(); ++i) indices_->Get_Item(i)->Get_Index()->Remove(row);
+  TellCursors([origin, row](TVXRAMCursor& cursor) { cursor.RecordDeletionNotification(origin, row); });
+  // Kept: a row that stood in the base index alone stays allocated.
+  if (mainRecordList_->Remove(row) >= 0) ReleaseRow(row);
+}
+
+std::int32_t TVXRAMTable::ReleaseAll(TVXList& rows) {
+  std::int32_t released = 0;
+  for (std::int32_t i = 0; i < rows.Count(); ++i) {
+    auto* const row = static_cast<TVXRAMRow*>(rows.Items(i));
+    rows.Put(i, nullptr);
+    if (row == nullptr) continue;
+    ReleaseRow(row);
+    ++released;
+  }
+  rows.Clear();
+  return released;
+}
+
+void TVXRAMTable::ClearTable() {
+  const TTableOperation running(*this);
+  // Kept: rows of the main list are dropped without being released when the base index had some.
+  if (ReleaseAll(*baseIndex_->list_) == 0) ReleaseAll(*mainRecordList_);
+  mainRecordList_->Clear();
+  for (std::int32_t i = 0; i < indices_->Count(); ++i) indices_->Get_Item(i)->Get_Index()->Clear();
+  TellCursors([](TVXRAMCursor& cursor) { cursor.TableClearingNotification(); });
+}
+
+bool TVXRAMTable::IsNamed(const TVXRAMRow* row) const {
+  for (std::int32_t i = 0; i < cursors_->Count(); ++i)
+    if (CursorAt(*cursors_, i)->NamesRow(row)) return true;
+  return false;
+}
+
+void TVXRAMTable::ReleaseRow(TVXRAMRow* row) {
+  const TTableOperation running(*this);
+  droppedRows_.push_back(row);
+}
+
+void TVXRAMTable::ReleaseHeldRows() {
+  for (TVXRAMRow* const row : std::exchange(heldRows_, {})) ReleaseRow(row);
+}
+
+// -- One row's bytes --------------------------------------------------------------------------------------------------
+
+TVXRAMFieldSlot TVXRAMTable::Slot(std::int32_t field) const {
+  const std::vector<TVXRAMFieldSlot>& slots = fieldDefs_->Get_Slots();
+  if (field < 0 || field >= static_cast<std::int32_t>(slots.size())) RaiseListError(kListIndexError, field);
+  return slots[static_cast<std::size_t>(field)];
+}
+
+TVXRAMFieldSlot TVXRAMTable::WritableSlot(const TVXRAMRow* row, std::int32_t field) const {
+  const TVXRAMFieldSlot slot = Slot(field);
+  if (!RowHolds(NeedRow(row), slot))
+    throw ERAMTableError("Record " + std::to_string(RowId(row)) + " is older than field '" +
+                         fieldDefs_->Get_Item(field)->GetDisplayName() + "' and has no room for it.");
+  return slot;
+}
+
+TVXRAMRow* TVXRAMTable::InternalAllocRecordBuffer() {
+  fieldDefs_->CheckLayout();
+  return pool_.Allocate(Get_RecSize());
+}
+
+std::int32_t TVXRAMTable::InternalInitRecord(TVXRAMRow* row) {
+  std::memset(RowBytes(NeedRow(row)), 0, static_cast<std::size_t>(TVXRAMRowPool::SizeOf(row)));
+  const std::int32_t id = GenerateUniqueID();
+  std::memcpy(RowBytes(row), &id, sizeof id);
+  return id;
+}
+
+void TVXRAMTable::InternalFreeRecordBuffer(TVXRAMRow* row) {
+  if (row != nullptr) ReleaseRow(row);
+}
+
+void TVXRAMTable::InternalClearAllFieldValues(TVXRAMRow* row) {
+  NeedRow(row);
+  for (const TVXRAMFieldSlot& slot : fieldDefs_->Get_Slots())
+    if (RowHolds(row, slot)) std::memset(RowBytes(row) + slot.valueOffset, 0, static_cast<std::size_t>(slot.size));
+}
+
+void TVXRAMTable::InternalClearFieldValue(TVXRAMRow* row, std::int32_t field) {
+  const TVXRAMFieldSlot slot = WritableSlot(row, field);
+  std::memset(RowBytes(row) + slot.valueOffset, 0, static_cast<std::size_t>(slot.size));
+}
+
+void TVXRAMTable::InternalSetFieldStatus(TVXRAMRow* row, std::int32_t field, TVXFieldStatus status) {
+  const TVXRAMFieldSlot slot = WritableSlot(row, field);
+  RowBytes(row)[slot.statusOffset] = status;
+}
+
+TVXFieldStatus TVXRAMTable::InternalGetFieldStatus(const TVXRAMRow* row, std::int32_t field) const {
+  return RowStatus(NeedRow(row), Slot(field));
+}
+
+void TVXRAMTable::InternalSetFieldValue(TVXRAMRow* row, std::int32_t field, const void* buffer) {
+  const TVXRAMFieldSlot slot = WritableSlot(row, field);
+  std::memcpy(RowBytes(row) + slot.valueOffset, buffer, static_cast<std::size_t>(slot.size));
+}
+
+void TVXRAMTable::InternalGetFieldValue(const TVXRAMRow* row, std::int32_t field, void* buffer) const {
+  const TVXRAMFieldSlot slot = Slot(field);
+  if (RowHolds(NeedRow(row), slot))
+    std::memcpy(buffer, RowBytes(row) + slot.valueOffset, static_cast<std::size_t>(slot.size));
+  else if (slot.size > 0)
+    std::memset(buffer, 0, static_cast<std::size_t>(slot.size));
+}
+
+void TVXRAMTable::InternalSetRecordId(TVXRAMRow* row, std::int32_t id) {
+  idsAreUnique_ = false;
+  std::memcpy(RowBytes(NeedRow(row)), &id, sizeof id);
+}
+
+// -- Sorting and filtering --------------------------------------------------------------------------------------------
+
+void TVXRAMTable::TakeSortFields(const TVXStringParser& specification) {
+  sortFields_.clear();
+  // From the last item to the first: of a field that is named twice the first order counts, since it is written last.
+  for (std::int32_t i = specification.GetCount() - 1; i >= 0; --i) {
+    const std::string item = specification.GetItemByIndex(i);
+    const std::int32_t field = FieldNbByName(VXRAMTable_CMP::GetFieldName(item));
+    if (field == -1) continue;
+    TVXRAMFieldDef* const def = fieldDefs_->Get_Item(field);
+    def->Set_SortOrder(VXRAMTable_CMP::GetFieldSortOrder(item));
+    sortFields_.emplace_back(def);
+  }
+}
+
+bool TVXRAMTable::SortByFields(TVXList& rows) {
+  std::vector<TSortColumn> columns;
+  for (auto field = sortFields_.rbegin(); field != sortFields_.rend(); ++field) {
+    const TVXRAMFieldDef& def = Need(field->Get(), "sort field");
+    if (rows.Count() > 0 && def.Get_DataType() > kLastFieldType)
+      throw ERTEInvalidFieldType("Cannot sort on a field of this type.");
+    columns.push_back({def.Get_Slot(), def.Get_SortOrder() == vxrcoDescending});
+    currentSortField_ = *field;
+  }
+  if (columns.empty()) return false;
+  SortRows(rows.Data(), rows.Count(), columns);
+  return true;
+}
+
+std::int32_t TVXRAMTable::InternalFieldsCompare(const TVXRAMRow* first, const TVXRAMRow* second) {
+  for (auto field = sortFields_.rbegin(); field != sortFields_.rend(); ++field) {
+    currentSortField_ = *field;
+    const TVXRAMFieldDef& def = Need(field->Get(), "sort field");
+    if (def.Get_DataType() > kLastFieldType) throw ERTEInvalidFieldType("Cannot sort on a field of this type.");
+    const std::int32_t order = CompareSortField(first, second, def.Get_DataType());
+    if (order != 0) return def.Get_SortOrder() == vxrcoDescending ? -order : order;
+  }
+  return 0;
+}
+
+std::int32_t TVXRAMTable::CompareSortField(const TVXRAMRow* first, const TVXRAMRow* second,
+                                           TVXRAMFieldType type) const {
+  TVXRAMFieldSlot slot = Need(currentSortField_.Get(), "current sort field").Get_Slot();
+  slot.type = type;
+  return CompareRows(NeedRow(first), NeedRow(second), slot);
+}
+
+std::int32_t TVXRAMTable::InternalBooleanCompare(const TVXRAMRow* first, const TVXRAMRow* second,
+                                                 TVXRAMCursorOrder) const {
+  return CompareSortField(first, second, vxrftBoolean);
+}
+std::int32_t TVXRAMTable::InternalDateTimeCompare(const TVXRAMRow* first, const TVXRAMRow* second,
+                                                  TVXRAMCursorOrder) const {
+  return CompareSortField(first, second, vxrftDateTime);
+}
+std::int32_t TVXRAMTable::InternalFloatCompare(const TVXRAMRow* first, const TVXRAMRow* second,
+                                               TVXRAMCursorOrder) const {
+  return CompareSortField(first, second, vxrftFloat);
+}
+std::int32_t TVXRAMTable::InternalIntegerCompare(const TVXRAMRow* first, const TVXRAMRow* second,
+                                                 TVXRAMCursorOrder) const {
+  return CompareSortField(first, second, vxrftInteger);
+}
+std::int32_t TVXRAMTable::InternalSmallintCompare(const TVXRAMRow* first, const TVXRAMRow* second,
+                                                  TVXRAMCursorOrder) const {
+  return CompareSortField(first, second, vxrftSmallint);
+}
+std::int32_t TVXRAMTable::InternalStringCompare(const TVXRAMRow* first, const TVXRAMRow* second,
+                                                TVXRAMCursorOrder) const {
+  return CompareSortField(first, second, vxrftString);
+}
+std::int32_t TVXRAMTable::InternalWordCompare(const TVXRAMRow* first, const TVXRAMRow* second,
+                                              TVXRAMCursorOrder) const {
+  return CompareSortField(first, second, vxrftWord);
+}
+
+bool TVXRAMTable::InternalIsRecordMatchFilter(const TVXRAMFilter& filter, const TVXRAMRow* row) const {
+  const TVXRAMFieldDef& field = Need(filter.Get_Field(), "field of the filter");
+  return TVXRAMFilterMatch(field.Get_Slot(), filter.Get_Value())(NeedRow(row));
+}
+
+void TVXRAMTable::IndexRebuildingNotification(TVXRAMIndex* index) {
+  const auto* const userIndex = As<TVXRAMUserIndex>(index);
+  if (userIndex == nullptr) return;
+  const TTableOperation running(*this);
+  const TVXRAMIndexDef& definition = Need(userIndex->Get_IndexDef(), "index definition");
+  const std::string name = definition.Get_FieldName();
+  TellCursors([&name](TVXRAMCursor& cursor) {
+    const TVXRAMFieldDef* const field = cursor.Get_Filter()->Get_Field();
+    if (field != nullptr && field->Get_Name() == name) cursor.IndexRebuildingNotification();
+  });
+}
+
+// -- Self-check -------------------------------------------------------------------------------------------------------
+
+namespace {
+
+std::string CheckList(const TVXList& rows, const std::string& name, std::int32_t nextId) {
+  std::unordered_set<const void*> seen;
+  for (std::int32_t i = 0; i < rows.Count(); ++i) {
+    const auto* const row = static_cast<const TVXRAMRow*>(rows.Items(i));
+    const std::string where = name + ", position " + std::to_string(i) + ": ";
+    if (row == nullptr) return where + "no row";
+    if (TVXRAMRowPool::SizeOf(row) < kFirstFieldOffset) return where + "a released row";
+    if (!seen.insert(row).second) return where + "row " + std::to_string(RowId(row)) + " stands there twice";
+    if (RowId(row) >= nextId) return where + "id " + std::to_string(RowId(row)) + " was never given";
+  }
+  return {};
+}
+
+}  // namespace
+
+std::string TVXRAMTable::CheckRows() const {
+  std::string answer = CheckList(*mainRecordList_, "main list", nextId_);
+  if (answer.empty()) answer = CheckList(*baseIndex_->Get_List(), "base index", nextId_);
+  for (std::int32_t i = 0; answer.empty() && i < indices_->Count(); ++i)
+    answer = CheckList(*indices_->Get_Item(i)->Get_Index()->Get_List(), "index " + std::to_string(i), nextId_);
+  return answer;
+}
+
+// -- Unit -------------------------------------------------------------------------------------------------------------
+
+TVXRAMFieldDef* AddField(TVXRAMTable& table, const std::string& name, TVXRAMFieldType type, std::int32_t byteSize) {
+  TVXRAMFieldDef* const field = table.Get_FieldDefs()->Add();
+  field->Set_Name(name);
+  field->Set_DataType(type);
+  if (type == vxrftString) field->Set_ByteSize(byteSize);
+  return field;
+}
+
+namespace VXRAMTable_CMP {
+
+void Register() { RegisterComponents("VX Data Access", {&TVXRAMTable::StaticClass()}); }
+
+}  // namespace VXRAMTable_CMP
+
+}  // namespace vx
