@@ -58,8 +58,8 @@ int main() {
     all->Print("all by start");
     lateOnes->Print("late");
 
-    lateOnes->Cursor->Set_RecIndex(
-        0);  // Drill: the sort of the other view reordered the list that this one is filtered from
+    // Drill stands first here too: the sort of the other view reordered the list that this one is filtered from.
+    lateOnes->Cursor->Set_RecIndex(0);
     lateOnes->Cursor->DeleteRec();
     all->Print("all by start");
     lateOnes->Print("late");

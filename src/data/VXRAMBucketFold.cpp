@@ -67,9 +67,9 @@ void TVXRAMBucketFold::Compute(const TVXRAMBucketInfo& bucket) {
   table.InternalClearAllFieldValues(target);
   if (rows.Count() == 0) return;
   RowDate(static_cast<const TVXRAMRow*>(rows.Items(0)));
+  // Raises if the row is too old for a field.
   for (std::int32_t i = 0; i < table.Get_FieldDefs()->Count(); ++i)
-    table.InternalSetFieldStatus(target, i,
-                                 table.InternalGetFieldStatus(target, i));  // raises if the row is too old for a field
+    table.InternalSetFieldStatus(target, i, table.InternalGetFieldStatus(target, i));
   TDates dates;
   for (std::int32_t i = 0; i < rows.Count(); ++i)
     FoldRow(static_cast<const TVXRAMRow*>(rows.Items(i)), i + 1, rows.Count(), dates, target);

@@ -45,8 +45,8 @@ class TVXRAMRowPool {
   std::uint8_t* next_ = nullptr;  // first free byte of the newest slab
   std::size_t left_ = 0;
   std::size_t nextSlab_ = 16 * 1024;
-  std::unordered_map<std::int32_t, std::uint8_t*>
-      released_;  // by size: chain of released rows, linked through their bytes
+  // By size: a chain of released rows, linked through their bytes.
+  std::unordered_map<std::int32_t, std::uint8_t*> released_;
   std::int64_t live_ = 0;
   std::int64_t slabBytes_ = 0;
 };

@@ -5,7 +5,7 @@
 // table tells its open cursors of every insertion, deletion, clearing and index rebuild, at once and in the order in
 // which they were opened.
 //
-//   auto table = Make<TVXRAMTable>(nullptr);         // freed by the handle; New<TVXRAMTable>(owner) where an owner frees it
+//   auto table = Make<TVXRAMTable>(nullptr);         // freed by the handle; New<…>(owner) where an owner frees it
 //   AddField(*table, "Task", vxrftString, 20);       // before the first row
 //   table->Get_RecSize();                            // 26: 4 id, 1 status, 1 field status, 20 bytes of text
 //
