@@ -17,7 +17,7 @@ bool BelongsTo(const TPersistent* part, const TPersistent* whole) {
 
 }  // namespace
 
-// -- TCollectionItem -----------------------------------------------------------------------------------------------------------
+// -- TCollectionItem --------------------------------------------------------------------------------------------------
 
 const TClass& TCollectionItem::StaticClass() {
   static const TClass info("TCollectionItem", &TPersistent::StaticClass());
@@ -84,7 +84,7 @@ void TCollectionItem::Changed(bool allItems) {
   if (collection_ != nullptr && collection_->updateCount_ == 0) collection_->Update(allItems ? nullptr : this);
 }
 
-// -- TCollection: life and work --------------------------------------------------------------------------------------------
+// -- TCollection: life and work ---------------------------------------------------------------------------------------
 
 const TClass& TCollection::StaticClass() {
   static const TClass info("TCollection", &TPersistent::StaticClass());
@@ -153,7 +153,7 @@ std::string TCollection::GetNamePath() const {
   return TPersistent::GetNamePath();
 }
 
-// -- TCollection: items ------------------------------------------------------------------------------------------------------
+// -- TCollection: items -----------------------------------------------------------------------------------------------
 
 TCollectionItem* TCollection::Items(std::int32_t index) const {
   CheckIndex(index, Count());

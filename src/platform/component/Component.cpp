@@ -33,7 +33,7 @@ const TClass& TComponent::StaticClass() {
   return info;
 }
 
-// -- Life ----------------------------------------------------------------------------------------------------------------
+// -- Life -------------------------------------------------------------------------------------------------------------
 
 TComponent::TComponent(TComponent* owner) {
   if (owner == nullptr) return;
@@ -85,7 +85,7 @@ void TComponent::ReleaseMemory() {
   if (!TMemoryKeeper<TComponent>::Delays(*this)) TPersistent::ReleaseMemory();
 }
 
-// -- Owner and name --------------------------------------------------------------------------------------------------------
+// -- Owner and name ---------------------------------------------------------------------------------------------------
 
 std::string TComponent::GetNamePath() const { return name_.empty() ? ClassName() : name_; }
 
@@ -102,7 +102,7 @@ void TComponent::ValidateRename(const TComponent* component, const std::string& 
   if (other != nullptr && other != component) throw EComponentError("A component named " + name + " already exists");
 }
 
-// -- Owned components ------------------------------------------------------------------------------------------------------
+// -- Owned components -------------------------------------------------------------------------------------------------
 
 TComponent* TComponent::Components(std::int32_t index) const {
   if (index < 0 || index >= ComponentCount()) RaiseListError(kListIndexError, index);
@@ -164,7 +164,7 @@ void TComponent::Leave(TComponent& component) noexcept {
   component.owner_ = nullptr;
 }
 
-// -- State -----------------------------------------------------------------------------------------------------------------
+// -- State ------------------------------------------------------------------------------------------------------------
 
 void TComponent::SetDesigning(bool value) {
   state_.Put(csDesigning, value);
@@ -173,7 +173,7 @@ void TComponent::SetDesigning(bool value) {
 
 void TComponent::Loaded() { state_.Exclude(csLoading); }
 
-// -- Who wants to know -------------------------------------------------------------------------------------------------------
+// -- Who wants to know ------------------------------------------------------------------------------------------------
 
 bool TComponent::Knows(const TComponent* other) const {
   return std::find(friends_.rbegin(), friends_.rend(), other) != friends_.rend();
@@ -235,7 +235,7 @@ void TComponent::Notification(TComponent* component, TOperation operation) {
   });
 }
 
-// -- Weak references and loading ---------------------------------------------------------------------------------------------
+// -- Weak references and loading --------------------------------------------------------------------------------------
 
 TComponentLink::TComponentLink(TComponent* component) : component_(component) {
   if (component == nullptr) return;
@@ -260,7 +260,7 @@ void TLoading::Finish() {
   component->Loaded();
 }
 
-// -- The class registry ------------------------------------------------------------------------------------------------------
+// -- The class registry -----------------------------------------------------------------------------------------------
 
 namespace {
 

@@ -103,7 +103,8 @@ class TComponent : public TPersistent {
 
   // -- Who wants to know
   // -------------------------------------------------------------------------------------------------------
-  /// Both will be told when the other one goes. Asking twice is harmless; null and itself are ignored.
+  /// Both will be told when the other one goes, at first; as a part of its owner's tree a second time, when it leaves.
+  /// Asking twice is harmless; null and itself are ignored.
   void FreeNotification(TComponent* other);
   void RemoveFreeNotification(TComponent* other);
 

@@ -1,8 +1,8 @@
 // MemoryKeeper.h: keeps an object's memory while one of its members is at work.
 //
-// A notification may free the very object that it is sent to. Free() then tears the object down at once, as it must, but the
-// member that is still running needs the memory below it until it returns. A keeper on the stack of that member delays the last
-// step.
+// A notification may free the very object that it is sent to. Free() then tears the object down at once, as it must,
+// but the member that is still running needs the memory below it until it returns. A keeper on the stack of that member
+// delays the last step.
 //
 //   void TList::Clear() {
 //     const TMemoryKeeper<TList> keep(this);

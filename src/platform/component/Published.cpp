@@ -126,7 +126,7 @@ std::string TPropInfo::TypeName() const {
 
 bool TPropInfo::IsOrdinal() const { return Kind != tkUnknown && ValueIndexOf(Kind) == 0; }
 
-// -- Finding -----------------------------------------------------------------------------------------------------------------
+// -- Finding ----------------------------------------------------------------------------------------------------------
 
 const TPropInfo* GetPropInfo(const TClass& type, std::string_view name) {
   const TPropInfo* const found = FindProp(&type, name);
@@ -166,7 +166,7 @@ const TPropInfo& TPropRef::In(const TObject* object) const {
   return *info;
 }
 
-// -- Reading and writing -------------------------------------------------------------------------------------------------------
+// -- Reading and writing ----------------------------------------------------------------------------------------------
 
 TPropValue GetPropValue(const TObject* object, const TPropRef& property) {
   const TPropInfo& info = property.In(object);
@@ -230,7 +230,7 @@ void SetVariantProp(TObject* object, const TPropRef& property, const Variant& va
   SetPropValue(object, property, value);
 }
 
-// -- What a stream asks ----------------------------------------------------------------------------------------------------------
+// -- What a stream asks -----------------------------------------------------------------------------------------------
 
 bool IsStoredProp(const TObject* object, const TPropRef& property) {
   const TPropInfo& info = property.In(object);
@@ -256,7 +256,7 @@ bool IsDefaultProp(const TObject* object, const TPropRef& property) {
   }
 }
 
-// -- Handlers by name ------------------------------------------------------------------------------------------------------------
+// -- Handlers by name -------------------------------------------------------------------------------------------------
 
 TAnyEvent MethodAddress(TObject* object, std::string_view name) {
   TObject& self = Need(object, "object of a method");
@@ -279,7 +279,7 @@ std::string MethodName(TObject* object, const TAnyEvent& handler) {
   return {};
 }
 
-// -- Building --------------------------------------------------------------------------------------------------------------------
+// -- Building ---------------------------------------------------------------------------------------------------------
 
 namespace published {
 

@@ -44,11 +44,12 @@ class THostile : public TComponent, public ISpeaker {
   std::function<void(TComponent*, TOperation)> onNotification;
   std::function<void()> onTearDown;
   bool staysOnce = false;
+  bool deaf = false;  // forgets to call the inherited Notification
   static inline int living = 0;
 
  protected:
   void Notification(TComponent* component, TOperation operation) override {
-    TComponent::Notification(component, operation);
+    if (!deaf) TComponent::Notification(component, operation);
     if (const auto* const other = As<THostile>(component); other != nullptr && !label.empty())
       heard.push_back(label + (operation == opInsert ? "+" : "-") + other->label);
     if (const auto act = onNotification) act(component, operation);
@@ -150,6 +151,16 @@ TEST_F(TComponents, FriendsAreToldOnceWhicheverGoesFirst) {
   heard.clear();
   asked.reset();
   EXPECT_TRUE(heard.empty());
+}
+
+TEST_F(TComponents, AFriendWhoAsksAgainOrIsDeafKeepsNobodyFromGoing) {
+  auto asker = Make<THostile>(nullptr, "asker"), asked = Make<THostile>(nullptr, "asked");
+  asker->deaf = true;
+  asker->FreeNotification(asked.get());
+  asker->onNotification = [&](TComponent* gone, TOperation) { asker->FreeNotification(gone); };
+  asked.reset();
+  asker.reset();  // remembers nobody any more
+  EXPECT_EQ(heard, std::vector<std::string>{"asker-asked"});
 }
 
 TEST_F(TComponents, TheTreeGoesLastToFirstAndARefusalOnlyDelays) {
