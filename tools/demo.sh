@@ -19,5 +19,7 @@ echo "A look at the table behind the pictures:"
 echo
 echo "Pictures of tests/data/orders_sample.csv:"
 picture quantity_by_month --value "Order Quantity" --series "Product Department" --by month --title "Ordered pieces by month"
-picture profit_by_week --value Profit --by week --type line --title "Profit by week"
-picture markets_by_year --value "Gross Sales" --series "Customer Market" --by year --title "Gross sales by market and year"
+picture largest_departments --value "Gross Sales" --series "Product Department" --top 3 --by year --type bar \
+  --title "Gross sales of the largest departments by year"
+picture profit_by_week --value Profit --by week --title "Profit by week"
+picture markets_by_year --value "Gross Sales" --series "Customer Market" --by year --type bar --title "Gross sales by market and year"
