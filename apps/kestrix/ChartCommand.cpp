@@ -1,0 +1,176 @@
+#include "ChartCommand.h"
+
+#include <array>
+#include <limits>
+#include <ostream>
+#include <utility>
+
+#include "ColumnNames.h"
+#include "InputFile.h"
+#include "OutputFile.h"
+#include "Picture.h"
+#include "UserError.h"
+#include "platform/chart/BarSeries.h"
+#include "platform/chart/LineSeries.h"
+#include "platform/runtime/DateTime.h"
+#include "platform/runtime/Text.h"
+
+namespace vx::kestrix {
+
+namespace {
+
+constexpr std::int32_t kLongestSide = 32767;
+constexpr std::size_t kMostPointers = 60;  ///< periods up to which a line marks its points
+
+constexpr std::array<std::pair<std::string_view, TVXGroupMode>, 5> kGroupModes = {{{"day", vxgrOneDay},
+                                                                                   {"week", vxgrOneWeek},
+                                                                                   {"month", vxgrOneMonth},
+                                                                                   {"year", vxgrOneYear},
+                                                                                   {"century", vxgrOneCentury}}};
+constexpr std::array<std::pair<std::string_view, TVXBucketType>, 6> kAggregates = {{{"sum", vxbtCumulate},
+                                                                                    {"average", vxbtAverage},
+                                                                                    {"min", vxbtMinValue},
+                                                                                    {"max", vxbtMaxValue},
+                                                                                    {"first", vxbtFirstBucket},
+                                                                                    {"last", vxbtLastBucket}}};
+
+template <class T, std::size_t N>
+std::optional<T> ValueOfName(const std::array<std::pair<std::string_view, T>, N>& names, std::string_view name) {
+  for (const auto& [known, value] : names)
+    if (known == name) return value;
+  return std::nullopt;
+}
+
+template <class T, std::size_t N>
+std::string_view NameOfValue(const std::array<std::pair<std::string_view, T>, N>& names, T value) {
+  for (const auto& [name, known] : names)
+    if (known == value) return name;
+  return {};
+}
+
+// -- Pictures ---------------------------------------------------------------------------------------------------------
+
+enum class TPictureKind { Png, Text };
+
+TPictureKind KindOfOutput(const std::string& output) {
+  const std::string lower = LowerCase(output);
+  if (lower.ends_with(".txt")) return TPictureKind::Text;
+  if (!lower.ends_with(".png") && output != kStandardInput)
+    throw EUserError({output, 0, {}}, "a picture's name ends in .png, or in .txt for the drawing commands as text");
+  if (KESTRIX_WITH_CAIRO == 0) throw EUserError("this program was built without Cairo and draws no .png, only .txt");
+  return TPictureKind::Png;
+}
+
+std::string Draw(const TCustomChart& chart, TSize size, TPictureKind kind) {
+  if constexpr (KESTRIX_WITH_CAIRO != 0) {
+    if (kind == TPictureKind::Png) return PngOf(chart, size);
+  }
+  return DrawingTextOf(chart, size);
+}
+
+// -- Columns ----------------------------------------------------------------------------------------------------------
+
+TChartColumns ResolveColumns(const TChartOptions& options, const std::vector<std::string>& headings) {
+  TChartColumns columns;
+  columns.date = NeedHeadings(headings, options.date, ',');
+  if (columns.date.size() != 1 && columns.date.size() != 3)
+    throw EUserError("--date " + Quoted(options.date) + " should be one column, or a year, a month and a day column");
+  columns.value = NeedHeading(headings, options.value);
+  if (!options.series.empty()) columns.series = NeedHeading(headings, options.series);
+  return columns;
+}
+
+/// What a chart needs its columns to be, whatever was found or wished.
+TTypeWishes WishesFor(const TChartOptions& options, const TChartColumns& columns,
+                      const std::vector<std::string>& headings) {
+  TTypeWishes wishes = options.input.wishes;
+  const TColumnType datePart = columns.date.size() == 3 ? TColumnType::Integer : TColumnType::DateTime;
+  for (const std::size_t column : columns.date) wishes.types.emplace_back(headings[column], datePart);
+  wishes.types.emplace_back(headings[columns.value], TColumnType::Float);
+  return wishes;
+}
+
+void TellLeftOut(const TPointSet& set, std::ostream& err) {
+  const std::size_t count = set.withoutDate + set.withoutValue;
+  if (count == 0) return;
+  err << "kestrix: " << count << (count == 1 ? " record" : " records") << " left out: " << set.withoutDate
+      << " without a date, " << set.withoutValue << " without a value\n";
+}
+
+std::string DefaultTitle(const TChartOptions& options, const std::string& heading) {
+  const std::string how =
+      options.aggregate == vxbtCumulate ? "" : " (" + std::string(NameOfAggregate(options.aggregate)) + ")";
+  return heading + how + " by " + std::string(NameOfGroupMode(options.by));
+}
+
+// -- The chart --------------------------------------------------------------------------------------------------------
+
+TChartSeries* NewSeries(TChart& chart, const TChartOptions& options, std::size_t periods) {
+  if (options.hasBars) return New<TBarSeries>(&chart);
+  auto* const line = New<TLineSeries>(&chart);
+  line->Pointer.Visible = periods <= kMostPointers;
+  return line;
+}
+
+}  // namespace
+
+std::optional<TVXGroupMode> GroupModeOfName(std::string_view name) { return ValueOfName(kGroupModes, name); }
+std::optional<TVXBucketType> AggregateOfName(std::string_view name) { return ValueOfName(kAggregates, name); }
+std::string_view NameOfGroupMode(TVXGroupMode mode) { return NameOfValue(kGroupModes, mode); }
+std::string_view NameOfAggregate(TVXBucketType type) { return NameOfValue(kAggregates, type); }
+
+std::optional<TSize> SizeOfText(std::string_view text) {
+  const std::size_t cross = text.find('x');
+  if (cross == std::string_view::npos) return std::nullopt;
+  const auto width = ReadInteger(text.substr(0, cross));
+  const auto height = ReadInteger(text.substr(cross + 1));
+  const auto isSide = [](const auto& side) { return side && *side >= 1 && *side <= kLongestSide; };
+  return isSide(width) && isSide(height) ? std::optional(TSize{*width, *height}) : std::nullopt;
+}
+
+TOwned<TChart> MakeChart(const TFoldedChart& folded, const TChartOptions& options, const std::string& title) {
+  auto chart = Make<TChart>(nullptr);
+  chart->Title().Text = OneLine(title);
+  // Places are the numbers of the periods: months of 28 and 31 days are equally wide.
+  const std::string format = GetGroupDateFormat(options.by);
+  for (std::size_t i = 0; i < folded.periods.size(); ++i)
+    chart->BottomAxis().Items.push_back({static_cast<double>(i), FormatDateTime(format, folded.periods[i])});
+  for (std::size_t s = 0; s < folded.series.size(); ++s) {
+    TChartSeries* const series = NewSeries(*chart, options, folded.periods.size());
+    chart->AddSeries(series);
+    series->SetTitle(OneLine(folded.series[s]));
+    for (std::size_t i = 0; i < folded.periods.size(); ++i) {
+      const auto& value = folded.values[s][i];
+      series->AddXY(static_cast<double>(i), value.value_or(std::numeric_limits<double>::quiet_NaN()));
+    }
+  }
+  chart->Legend().Visible = folded.series.size() > 1;
+  return chart;
+}
+
+void RunChart(const TChartOptions& options, const TStreams& streams) {
+  const TPictureKind kind = KindOfOutput(options.output);
+  const bool goesToFile = options.output != kStandardInput;
+  if (goesToFile) CheckOutput(options.output, PathsOf(options.input));
+  TInputs inputs(options.input, streams);
+  TCsvSource& source = inputs.Source();
+  const std::vector<std::string>& headings = source.Headings();
+  const TChartColumns columns = ResolveColumns(options, headings);
+  const TColumnPlan plan = PlanColumns(source, WishesFor(options, columns, headings));
+
+  TPointSet points = ReadPoints(source, plan, columns);
+  inputs.TellSkipped();
+  TellLeftOut(points, streams.err);
+  if (points.points.empty())
+    throw EUserError({source.Name(), 0, {}}, "nothing to draw: no record has a date and a value");
+  KeepLargest(points, options.top);
+  const TFoldedChart folded = FoldPoints(points, options.by, options.aggregate);
+
+  const auto chart = MakeChart(folded, options, options.title.value_or(DefaultTitle(options, headings[columns.value])));
+  const std::string picture = Draw(*chart, options.size, kind);
+  if (goesToFile) return WriteOutput(options.output, picture);
+  streams.out << picture;
+  FinishOutput(streams.out);
+}
+
+}  // namespace vx::kestrix

@@ -1,0 +1,60 @@
+// ChartData.h: from the records of a source to values by series and period.
+//
+//   TPointSet points = ReadPoints(source, plan, columns);            // one point a record with a date and a value
+//   KeepLargest(points, 12);                                         // the rest becomes "others"
+//   const TFoldedChart chart = FoldPoints(points, vxgrOneMonth, vxbtCumulate);
+//
+// Folding is the work of a cursor bucketer over a table of (date, series, value); here only the rows go in and the
+// buckets come out.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "ColumnPlan.h"
+#include "CsvSource.h"
+#include "data/VXRAMCursorBucketer_CMP.h"
+#include "datetime/VXDateGroup_UNT.h"
+
+namespace vx::kestrix {
+
+/// Positions of the columns that a chart is made of.
+struct TChartColumns {
+  std::vector<std::size_t> date;  ///< one, or year, month and day
+  std::size_t value = 0;
+  std::optional<std::size_t> series;
+};
+
+struct TChartPoint {
+  TDateTime date = 0;
+  std::int32_t series = 0;  ///< position in TPointSet::series
+  double value = 0;
+};
+
+struct TPointSet {
+  std::vector<std::string> series;  ///< names, in order of first appearance
+  std::vector<TChartPoint> points;  ///< in order of the records
+  std::size_t withoutDate = 0;      ///< records left out
+  std::size_t withoutValue = 0;     ///< records left out that have a date
+};
+
+/// Raises EUserError for a value that is no number and a date that is none.
+TPointSet ReadPoints(TCsvSource& source, const TColumnPlan& plan, const TChartColumns& columns);
+
+/// Puts the series in order of their size, the sum of all values without their signs, largest first; of more than
+/// `count` all but the largest become one, "others", which is the last.
+void KeepLargest(TPointSet& set, std::size_t count);
+
+struct TFoldedChart {
+  std::vector<TDateTime> periods;  ///< every group from the first to the last, those without records too
+  std::vector<std::string> series;
+  std::vector<std::vector<std::optional<double>>> values;  ///< by series, then period
+};
+
+/// Raises EUserError if the dates span more groups than a chart can take.
+TFoldedChart FoldPoints(const TPointSet& set, TVXGroupMode by, TVXBucketType aggregate);
+
+}  // namespace vx::kestrix

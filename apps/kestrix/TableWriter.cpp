@@ -1,0 +1,202 @@
+#include "TableWriter.h"
+
+#include <algorithm>
+#include <array>
+#include <ostream>
+#include <utility>
+
+#include "UserError.h"
+#include "platform/runtime/Text.h"
+
+namespace vx::kestrix {
+
+namespace {
+
+// -- Aligned ----------------------------------------------------------------------------------------------------------
+
+class TAlignedWriter : public ITableWriter {
+ public:
+  explicit TAlignedWriter(std::ostream& out) : out_(out) {}
+
+  void Begin(const std::vector<TWrittenColumn>& columns) override {
+    columns_ = columns;
+    widths_.resize(columns.size());
+    std::vector<std::string> headings;
+    for (const TWrittenColumn& column : columns) headings.push_back(OneLine(column.heading));
+    Take(std::move(headings));
+  }
+
+  void Row(const std::vector<TCellValue>& values) override {
+    std::vector<std::string> cells;
+    for (const TCellValue& value : values) cells.push_back(OneLine(CellText(value)));
+    Take(std::move(cells));
+  }
+
+  void End() override {
+    for (std::size_t row = 0; row < rows_.size(); ++row) {
+      WriteLine(rows_[row]);
+      if (row == 0) WriteRule();
+    }
+  }
+
+ private:
+  void Take(std::vector<std::string> cells) {
+    for (std::size_t i = 0; i < cells.size(); ++i) widths_[i] = std::max(widths_[i], CodePointCount(cells[i]));
+    rows_.push_back(std::move(cells));
+  }
+
+  /// Without blanks at the end of a line.
+  void WriteLine(const std::vector<std::string>& cells) {
+    std::string line;
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+      const std::string padding(widths_[i] - CodePointCount(cells[i]), ' ');
+      if (i > 0) line += "  ";
+      line += columns_[i].isNumber ? padding + cells[i] : cells[i] + padding;
+    }
+    const std::size_t last = line.find_last_not_of(' ');
+    out_ << line.substr(0, last == std::string::npos ? 0 : last + 1) << '\n';
+  }
+
+  void WriteRule() {
+    std::vector<std::string> rule;
+    for (const std::size_t width : widths_) rule.emplace_back(width, '-');
+    WriteLine(rule);
+  }
+
+  std::ostream& out_;
+  std::vector<TWrittenColumn> columns_;
+  std::vector<std::size_t> widths_;
+  std::vector<std::vector<std::string>> rows_;  // the headings first
+};
+
+// -- Separated --------------------------------------------------------------------------------------------------------
+
+class TSeparatedWriter : public ITableWriter {
+ public:
+  TSeparatedWriter(std::ostream& out, char separator) : out_(out), separator_(separator) {}
+
+  void Begin(const std::vector<TWrittenColumn>& columns) override {
+    std::vector<std::string> headings;
+    for (const TWrittenColumn& column : columns) headings.push_back(column.heading);
+    WriteLine(headings);
+  }
+
+  void Row(const std::vector<TCellValue>& values) override {
+    std::vector<std::string> cells;
+    for (const TCellValue& value : values) cells.push_back(CellText(value));
+    WriteLine(cells);
+  }
+
+  void End() override {}
+
+ private:
+  void WriteLine(const std::vector<std::string>& cells) {
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+      if (i > 0) out_ << separator_;
+      // An empty cell alone on its line would be no record to a reader.
+      WriteCell(cells[i], cells.size() == 1 && cells[i].empty());
+    }
+    out_ << '\n';
+  }
+
+  void WriteCell(const std::string& cell, bool mustBeQuoted) {
+    if (!mustBeQuoted && cell.find_first_of(std::string{separator_, '"', '\r', '\n'}) == std::string::npos) {
+      out_ << cell;
+      return;
+    }
+    out_ << '"';
+    for (const char c : cell) c == '"' ? out_ << "\"\"" : out_ << c;
+    out_ << '"';
+  }
+
+  std::ostream& out_;
+  char separator_;
+};
+
+// -- JSON -------------------------------------------------------------------------------------------------------------
+
+std::string JsonEscape(unsigned char c) {
+  switch (c) {
+    case '"':
+      return "\\\"";
+    case '\\':
+      return "\\\\";
+    case '\n':
+      return "\\n";
+    case '\r':
+      return "\\r";
+    case '\t':
+      return "\\t";
+    default:
+      break;
+  }
+  constexpr std::string_view kHex = "0123456789abcdef";
+  if (c < 0x20) return {'\\', 'u', '0', '0', kHex[c >> 4u], kHex[c & 15u]};
+  return {static_cast<char>(c)};
+}
+
+std::string JsonText(std::string_view text) {
+  std::string json = "\"";
+  for (const char c : text) json += JsonEscape(static_cast<unsigned char>(c));
+  return json + "\"";
+}
+
+std::string JsonValue(const TCellValue& value) {
+  if (IsNull(value)) return "null";
+  if (const auto* isTrue = std::get_if<bool>(&value)) return *isTrue ? "true" : "false";
+  const bool isNumber = std::holds_alternative<std::int32_t>(value) || std::holds_alternative<double>(value);
+  return isNumber ? CellText(value) : JsonText(CellText(value));
+}
+
+class TJsonWriter : public ITableWriter {
+ public:
+  explicit TJsonWriter(std::ostream& out) : out_(out) {}
+
+  void Begin(const std::vector<TWrittenColumn>& columns) override {
+    for (const TWrittenColumn& column : columns) keys_.push_back(JsonText(column.heading));
+    out_ << '[';
+  }
+
+  void Row(const std::vector<TCellValue>& values) override {
+    out_ << (std::exchange(hasRows_, true) ? ",\n" : "\n") << '{';
+    for (std::size_t i = 0; i < values.size(); ++i)
+      out_ << (i > 0 ? ", " : "") << keys_[i] << ": " << JsonValue(values[i]);
+    out_ << '}';
+  }
+
+  void End() override { out_ << (hasRows_ ? "\n]\n" : "]\n"); }
+
+ private:
+  std::ostream& out_;
+  std::vector<std::string> keys_;
+  bool hasRows_ = false;
+};
+
+constexpr std::array<std::pair<std::string_view, TTableFormat>, 4> kFormats = {{{"table", TTableFormat::Table},
+                                                                                {"csv", TTableFormat::Csv},
+                                                                                {"tsv", TTableFormat::Tsv},
+                                                                                {"json", TTableFormat::Json}}};
+
+}  // namespace
+
+std::optional<TTableFormat> FormatOfName(std::string_view name) {
+  for (const auto& [known, format] : kFormats)
+    if (known == name) return format;
+  return std::nullopt;
+}
+
+std::unique_ptr<ITableWriter> MakeTableWriter(TTableFormat format, std::ostream& out) {
+  switch (format) {
+    case TTableFormat::Csv:
+      return std::make_unique<TSeparatedWriter>(out, ',');
+    case TTableFormat::Tsv:
+      return std::make_unique<TSeparatedWriter>(out, '\t');
+    case TTableFormat::Json:
+      return std::make_unique<TJsonWriter>(out);
+    case TTableFormat::Table:
+      break;
+  }
+  return std::make_unique<TAlignedWriter>(out);
+}
+
+}  // namespace vx::kestrix

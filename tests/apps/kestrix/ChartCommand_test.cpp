@@ -1,0 +1,263 @@
+#include "ChartCommand.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <random>
+
+#include "apps/kestrix/RunProgram.h"
+#include "platform/runtime/DateTime.h"
+#if KESTRIX_WITH_SQLITE
+#include <sqlite3.h>
+#endif
+
+namespace vx::kestrix {
+namespace {
+
+/// "period series=value series=value", a line each; "-" for no value.
+std::string Text(const TFoldedChart& chart) {
+  std::string text;
+  for (std::size_t period = 0; period < chart.periods.size(); ++period) {
+    text += FormatDateTime("yyyy-mm-dd", chart.periods[period]);
+    for (std::size_t s = 0; s < chart.series.size(); ++s) {
+      const auto& value = chart.values[s][period];
+      text += " " + chart.series[s] + "=" + (value ? NumberText(*value) : "-");
+    }
+    text += "\n";
+  }
+  return text;
+}
+
+TPointSet Points(const std::string& csv, const TChartColumns& columns) {
+  std::ostringstream remarks;
+  TCsvSource source({}, remarks);
+  source.Add("test", csv);
+  TTypeWishes wishes;
+  wishes.types = {{source.Headings()[columns.value], TColumnType::Float}};
+  const TColumnType dateType = columns.date.size() == 3 ? TColumnType::Integer : TColumnType::DateTime;
+  for (const std::size_t date : columns.date) wishes.types.emplace_back(source.Headings()[date], dateType);
+  return ReadPoints(source, PlanColumns(source, wishes), columns);
+}
+
+constexpr const char* kSales =
+    "date,value,shop\n"
+    "2015-01-31 23:00,4,B\n"
+    "2015-01-31 10:00,1,B\n"
+    "2015-01-02,2,A\n"
+    "2015-04-01,8,A\n"
+    "2015-04-30,16,\n";
+
+TEST(ChartData, FoldsByEveryAggregate) {
+  const std::pair<TVXBucketType, const char*> cases[] = {{vxbtCumulate, "B=5 A=2"},    {vxbtAverage, "B=2.5 A=2"},
+                                                         {vxbtMinValue, "B=1 A=2"},    {vxbtMaxValue, "B=4 A=2"},
+                                                         {vxbtFirstBucket, "B=1 A=2"}, {vxbtLastBucket, "B=4 A=2"}};
+  const TPointSet points = Points(kSales, {{0}, 1, 2});
+  for (const auto& [aggregate, january] : cases)
+    EXPECT_EQ(Text(FoldPoints(points, vxgrOneMonth, aggregate)),
+              std::string("2015-01-01 ") + january +
+                  " (blank)=-\n2015-02-01 B=- A=- (blank)=-\n2015-03-01 B=- A=- (blank)=-\n" +
+                  "2015-04-01 B=- A=8 (blank)=16\n");
+}
+
+TEST(ChartData, KeepsThePlaceOfEmptyPeriods) {
+  const TPointSet points = Points(kSales, {{0}, 1, std::nullopt});
+  const auto periods = [&](TVXGroupMode by) { return FoldPoints(points, by, vxbtCumulate).periods.size(); };
+  EXPECT_EQ(periods(vxgrOneDay), 119u);
+  EXPECT_EQ(periods(vxgrOneWeek), 18u);
+  EXPECT_EQ(Text(FoldPoints(points, vxgrOneYear, vxbtCumulate)), "2015-01-01 value=31\n");
+  EXPECT_EQ(
+      Text(FoldPoints(Points("d,v\n1900-05-05,1\n1999-01-01,2\n2001-01-01,4\n1899-12-31,8\n", {{0}, 1, std::nullopt}),
+                      vxgrOneCentury, vxbtCumulate)),
+      "1900-01-01 v=9\n2000-01-01 v=2\n2100-01-01 v=4\n");
+}
+
+TEST(ChartData, KeepsTheLargestSeriesByTheirSizeWithoutSign) {
+  TPointSet points =
+      Points("d,v,s\n2015-01-01,1,a\n2015-01-01,-9,b\n2015-01-01,3,c\n2015-01-01,5,others\n", {{0}, 1, 2});
+  KeepLargest(points, 2);
+  EXPECT_EQ(Text(FoldPoints(points, vxgrOneYear, vxbtCumulate)), "2015-01-01 b=-9 others=5 others=4\n");
+}
+
+struct TMessageCase {
+  std::vector<std::string> options;
+  const char* input;
+  const char* expected;
+  int code;
+};
+
+TEST(ChartCommand, TellsWhatItLeavesOutAndWhatIsWrong) {
+  const TTestFolder folder;
+  const std::string out = folder.Path("out.txt");
+  const std::vector<std::string> one = {"--date", "d", "--value", "v"}, three = {"--date", "y,m,d", "--value", "v"};
+  const TMessageCase cases[] = {
+      {one, "d,v\n2015-01-01,1\n-,2\n,\n2015-01-02,NA\n", "3 records left out: 2 without a date, 1 without a value",
+       kSuccess},
+      {three, "y,m,d,v\n2015,1,31,1\n2015,-,1,1\n", "1 record left out: 1 without a date, 0 without a value", kSuccess},
+      {one, "d,v\n2015-01-01,1\n2015-01-02,two\n", "standard input:3: column \"v\": \"two\" is not a number",
+       kUserError},
+      {one, "d,v\n2015-01-01,1\nsoon,2\n", "standard input:3: column \"d\": \"soon\" is not a date", kUserError},
+      {three, "y,m,d,v\n2015,2,28,1\n2015,2,29,1\n", "standard input:3: column \"d\": \"2015-2-29\" is not a date",
+       kUserError},
+      {three, "y,m,d,v\n2015,Feb,28,1\n", "standard input:2: column \"m\": \"Feb\" is not an integer of 32 bits",
+       kUserError},
+      {one, "d,v\n-,1\n", "standard input: nothing to draw: no record has a date and a value", kUserError},
+      {{"--date", "d,v", "--value", "v"},
+       "d,v\n1,1\n",
+       "--date \"d,v\" should be one column, or a year, a month and a day column",
+       kUserError},
+      {{"--date", "d", "--value", "w"}, "d,v\n1,1\n", "no column \"w\"", kUserError},
+      {{"--date", "d", "--value", "v", "--by", "day"},
+       "d,v\n0001-01-01,1\n9999-12-31,1\n",
+       "the dates reach from 0001-01-01 to 9999-12-31, more than 50000 periods; choose a coarser --by",
+       kUserError},
+      {{"--date", "d", "--value", "v", "--size", "0x9"},
+       "",
+       "--size \"0x9\" should be WIDTHxHEIGHT, in pixels of 1 to 32767",
+       kUserError},
+      {{"--date", "d", "--value", "v", "--type", "pie"},
+       "",
+       "--type \"pie\" should be line, bar or COLUMN=TYPE",
+       kUserError},
+  };
+  for (const TMessageCase& each : cases) {
+    SCOPED_TRACE(each.expected);
+    std::vector<std::string> arguments = {"chart", "-o", out};
+    arguments.insert(arguments.end(), each.options.begin(), each.options.end());
+    const TRun run = RunProgram(arguments, each.input);
+    // Without a nearest name or a count the first line is the only one.
+    EXPECT_EQ(run.err.substr(0, run.err.find('\n', run.code == kUserError ? run.err.rfind("kestrix: ") : 0) + 1)
+                  .substr(run.code == kUserError ? run.err.rfind("kestrix: ") : 0),
+              std::string("kestrix: ") + each.expected + "\n");
+    EXPECT_EQ(run.code, each.code);
+    EXPECT_EQ(folder.List(), each.code == kSuccess ? "out.txt" : "");
+    std::filesystem::remove(out);
+  }
+}
+
+// The whole way of a sentence: what the user typed stands in the drawing.
+TEST(ChartCommand, DrawsWhatWasAskedFor) {
+  const TTestFolder folder;
+  const std::string out = folder.Path("out.txt");
+  const std::vector<std::string> arguments = {"chart",       "--date", "date",    "--value", "value", "--series",
+                                              "shop",        "--top",  "1",       "--type",  "bar",   "--type",
+                                              "value=float", "--size", "400x300", "-o",      out};
+  EXPECT_EQ(RunProgram(arguments, kSales).code, kSuccess);
+  const std::string drawing = folder.Read("out.txt");
+  for (const char* text : {"\"value by month\"", "\"Jan 2015\"", "\"others\"", "\"(blank)\""})
+    EXPECT_NE(drawing.find(text), std::string::npos) << text << " in\n" << drawing;
+  EXPECT_EQ(drawing.find("polyline"), std::string::npos) << "bars were asked for";
+}
+
+#if KESTRIX_WITH_CAIRO
+TEST(ChartCommand, WritesAPng) {
+  const TTestFolder folder;
+  EXPECT_EQ(RunProgram({"chart", "--date", "date", "--value", "value", "-o", folder.Path("a.png")}, kSales).err, "");
+  EXPECT_EQ(folder.Read("a.png").substr(0, 8), "\x89PNG\r\n\x1A\n");
+  EXPECT_EQ(RunProgram({"chart", "--date", "date", "--value", "value", "-o", "-"}, kSales).out, folder.Read("a.png"));
+  EXPECT_EQ(
+      RunProgram({"chart", "--date", "date", "--value", "value", "--size", "32767x32767", "-o", folder.Path("b.png")},
+                 kSales)
+          .code,
+      kUserError);
+  EXPECT_EQ(folder.List(), "a.png");
+}
+#endif
+
+// -- SQLite as a second judge -----------------------------------------------------------------------------------------
+
+#if KESTRIX_WITH_SQLITE
+class TDatabase {
+ public:
+  TDatabase() { sqlite3_open(":memory:", &handle_); }
+  ~TDatabase() { sqlite3_close(handle_); }
+  TDatabase(const TDatabase&) = delete;
+  TDatabase& operator=(const TDatabase&) = delete;
+
+  void Run(const std::string& sql) {
+    ASSERT_EQ(sqlite3_exec(handle_, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(handle_);
+  }
+  /// Fills "orders" with text, a column each, by our reader of separated values alone: no types, no nulls.
+  void LoadOrders(const std::string& csv) {
+    TCsvReader reader(csv, ',');
+    ASSERT_TRUE(reader.Next());
+    std::string columns, places;
+    for (std::size_t i = 0; i < reader.Fields().size(); ++i) {
+      columns += (i > 0 ? ", c" : "c") + std::to_string(i);
+      places += i > 0 ? ", ?" : "?";
+    }
+    Run("create table orders(" + columns + "); begin");
+    sqlite3_stmt* insert = nullptr;
+    ASSERT_EQ(sqlite3_prepare_v2(handle_, ("insert into orders values(" + places + ")").c_str(), -1, &insert, nullptr),
+              SQLITE_OK);
+    while (reader.Next()) {
+      for (std::size_t i = 0; i < reader.Fields().size(); ++i)
+        sqlite3_bind_text(insert, static_cast<int>(i) + 1, reader.Fields()[i].data(),
+                          static_cast<int>(reader.Fields()[i].size()), SQLITE_TRANSIENT);
+      ASSERT_EQ(sqlite3_step(insert), SQLITE_DONE);
+      sqlite3_reset(insert);
+    }
+    sqlite3_finalize(insert);
+    Run("commit");
+  }
+  /// Rows as text, columns with a blank between.
+  std::vector<std::string> Query(const char* sql) {
+    std::vector<std::string> rows;
+    sqlite3_stmt* query = nullptr;
+    EXPECT_EQ(sqlite3_prepare_v2(handle_, sql, -1, &query, nullptr), SQLITE_OK) << sqlite3_errmsg(handle_);
+    while (sqlite3_step(query) == SQLITE_ROW) {
+      std::string row;
+      for (int i = 0; i < sqlite3_column_count(query); ++i)
+        row.append(i > 0 ? " " : "").append(reinterpret_cast<const char*>(sqlite3_column_text(query, i)));
+      rows.push_back(row);
+    }
+    sqlite3_finalize(query);
+    return rows;
+  }
+
+ private:
+  sqlite3* handle_ = nullptr;
+};
+
+/// "2015-01-01 Fan Shop 12", sorted.
+std::vector<std::string> Rows(const TFoldedChart& chart) {
+  std::vector<std::string> rows;
+  for (std::size_t s = 0; s < chart.series.size(); ++s)
+    for (std::size_t period = 0; period < chart.periods.size(); ++period)
+      if (const auto value = chart.values[s][period])
+        rows.push_back(FormatDateTime("yyyy-mm-dd", chart.periods[period]) + " " + chart.series[s] + " " +
+                       NumberText(*value));
+  std::sort(rows.begin(), rows.end());
+  return rows;
+}
+
+/// Ordered quantity by department and month, in the columns of the orders: 3 year, 4 month, 5 day, 7 quantity, 8
+/// department.
+constexpr const char* kMonthlySums = R"(
+  select printf('%04d-%02d-01', cast(c3 as integer), cast(c4 as integer)), trim(c8), sum(cast(c7 as integer))
+  from orders
+  where trim(c7) not in ('', '-', 'NA') and trim(c3) not in ('', '-', 'NA') and trim(c4) not in ('', '-', 'NA')
+    and trim(c5) not in ('', '-', 'NA')
+  group by 1, 2)";
+
+void ExpectSameSums(const std::string& path) {
+  std::ostringstream bytes;
+  bytes << std::ifstream(path, std::ios::binary).rdbuf();
+  TDatabase database;
+  database.LoadOrders(bytes.str());
+  std::vector<std::string> expected = database.Query(kMonthlySums);
+  std::sort(expected.begin(), expected.end());
+  EXPECT_GT(expected.size(), 20u);
+  EXPECT_EQ(Rows(FoldPoints(Points(bytes.str(), {{3, 4, 5}, 7, 8}), vxgrOneMonth, vxbtCumulate)), expected);
+}
+
+TEST(ChartData, MonthlySumsOfTheSampleAreThoseOfSqlite) { ExpectSameSums(KESTRIX_TEST_DATA "/orders_sample.csv"); }
+
+TEST(ChartData, MonthlySumsOfTheWholeFileAreThoseOfSqlite) {
+  const char* const path = std::getenv("KESTRIX_FULL_DATA");
+  if (path == nullptr || *path == '\0') GTEST_SKIP() << "KESTRIX_FULL_DATA names no file";
+  ExpectSameSums(path);
+}
+#endif
+
+}  // namespace
+}  // namespace vx::kestrix
