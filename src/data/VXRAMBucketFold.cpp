@@ -45,7 +45,8 @@ TVXRAMBucketFold::TVXRAMBucketFold(const TVXRAMCursorBucketer& cursor) : cursor_
         Folds(slot.type) ? cursor.Get_BucketFieldDefs()->Get_BucketByName(field.Get_Name()) : nullptr;
     if (def != nullptr && slot.size >= DefaultByteSize(slot.type))
       folded_.push_back({slot, def->Get_BucketType()});
-    else if (slot.type == vxrftDateTime && cursor.IsBucketedField(field.Get_Name()))
+    else if (slot.type == vxrftDateTime && slot.size >= DefaultByteSize(slot.type) &&
+             cursor.IsBucketedField(field.Get_Name()))
       grouped_.push_back(slot);
     else
       shown_.push_back(slot);

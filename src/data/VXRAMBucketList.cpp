@@ -19,12 +19,16 @@ void TVXRAMBucketInfo::TearDown() {
   TCollectionItem::TearDown();
 }
 
-TVXRAMBucketList* TVXRAMBucketInfo::Get_List() const { return static_cast<TVXRAMBucketList*>(Collection()); }
+TVXRAMBucketList* TVXRAMBucketInfo::Get_List() const { return As<TVXRAMBucketList>(Collection()); }
 
-void TVXRAMBucketInfo::UpdateBucketValues() { TVXRAMBucketFold(*Get_List()->Get_Cursor()).Compute(*this); }
+const TVXRAMCursorBucketer& TVXRAMBucketInfo::Cursor() const {
+  return Need(Need(Get_List(), "list of the bucket").Get_Cursor(), "cursor of the bucket");
+}
+
+void TVXRAMBucketInfo::UpdateBucketValues() { TVXRAMBucketFold(Cursor()).Compute(*this); }
 
 TDateTime TVXRAMBucketInfo::GetCurrentRecordDate(const TVXRAMRow* row) const {
-  const TVXRAMFieldDef* const field = Get_List()->Get_Cursor()->Get_BucketedDateFieldDef();
+  const TVXRAMFieldDef* const field = Cursor().Get_BucketedDateFieldDef();
   return field == nullptr ? 0 : RowValue<TDateTime>(row, field->Get_Slot());
 }
 
@@ -47,9 +51,10 @@ TVXRAMBucketInfo* TVXRAMBucketList::GetBucketByID(const std::string& key) const 
 
 TVXRAMBucketInfo* TVXRAMBucketList::Add(const std::string& key) {
   if (TVXRAMBucketInfo* const known = GetBucketByID(key)) return known;
+  TVXRAMRow* const bucketRecord = Need(cursor_, "cursor of the buckets").MakeBucketRecord();
   auto* const bucket = static_cast<TVXRAMBucketInfo*>(TCollection::Add());
   bucket->key_ = key;
-  bucket->bucketRecord_ = cursor_->MakeBucketRecord();
+  bucket->bucketRecord_ = bucketRecord;
   bucketRecords_->Add(bucket->bucketRecord_);
   byKey_.emplace(key, bucket);
   byBucketRecord_.emplace(bucket->bucketRecord_, bucket);
@@ -77,6 +82,22 @@ void TVXRAMBucketList::FreeBuckets() {
   bucketRecords_->Clear();
   for (std::int32_t i = 0; i < Count(); ++i) cursor_->Table().ReleaseRow(Get_Bucket(i)->bucketRecord_);
   Clear();
+}
+
+/// Buckets come and go by Add and Free. One that was moved here from elsewhere, or from here, would be known to two lists.
+void TVXRAMBucketList::ItemsMoved() {
+  auto* const last = Count() == 0 ? nullptr : As<TVXRAMBucketInfo>(Items(Count() - 1));
+  if (last != nullptr && last->bucketRecord_ != nullptr && !byBucketRecord_.contains(last->bucketRecord_)) {
+    last->bucketRecord_ = nullptr;
+    last->records_->Clear();
+  }
+  if (byBucketRecord_.size() <= static_cast<std::size_t>(Count())) return;
+  std::erase_if(byBucketRecord_, [this](const auto& entry) { return entry.second->Collection() != this; });
+  std::erase_if(byKey_, [this](const auto& entry) { return entry.second->Collection() != this; });
+  for (std::int32_t i = bucketRecords_->Count() - 1; i >= 0; --i)
+    if (!byBucketRecord_.contains(static_cast<TVXRAMRow*>(bucketRecords_->Items(i)))) bucketRecords_->Delete(i);
+  byRecord_.clear();
+  recordsAreMapped_ = false;
 }
 
 // -- Source rows ------------------------------------------------------------------------------------------------------
@@ -113,7 +134,7 @@ TVXRAMBucketInfo* TVXRAMBucketList::FindByRecord(const TVXRAMRow* row) {
 
 void TVXRAMBucketList::InsertRecord(TVXRAMRow* row, bool update) {
   std::string key;
-  cursor_->CalcBucketedFieldValue(row, key);
+  Need(cursor_, "cursor of the buckets").CalcBucketedFieldValue(row, key);
   TVXRAMBucketInfo& bucket = *Add(key);
   TakeRow(bucket, row);
   if (update && !cursor_->Get_IsUpdating()) bucket.UpdateBucketValues();

@@ -5,6 +5,15 @@
 
 namespace vx {
 
+namespace {
+
+/// Positions that make no sense wrap.
+std::int32_t WrappingSubtract(std::int32_t a, std::int32_t b) {
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) - static_cast<std::uint32_t>(b));
+}
+
+}  // namespace
+
 // -- TVXRAMFilter -----------------------------------------------------------------------------------------------------
 
 const TClass& TVXRAMFilter::StaticClass() {
@@ -63,9 +72,14 @@ TVXRAMCursor::TVXRAMCursor(TVXRAMTable* table, TVXRAMIndexDef* indexDef, TVXRAMC
       sortParser_(Make<TVXStringParser>(";", "")),
       filter_(Make<TVXRAMFilter>()),
       filteredList_(Make<TVXList>()),
-      index_(indexDef == nullptr ? nullptr : indexDef->Get_Index()) {}
+      index_(indexDef == nullptr ? nullptr : indexDef->Get_Index()) {
+  table_->CursorMade(this);
+}
+
+TVXRAMCursor::~TVXRAMCursor() { table_->CursorGone(this); }
 
 void TVXRAMCursor::AfterConstruction() {
+  const TTableOperation running(*table_);
   TPersistent::AfterConstruction();
   filter_->OnChange = TNotifyEvent(*this, &TVXRAMCursor::FilterChange);
   TVXRAMCursorDesc& desc = *desc_;
@@ -109,11 +123,11 @@ bool TVXRAMCursor::Get_CanUseIndex(const std::string& fieldName) const {
 // -- Position ---------------------------------------------------------------------------------------------------------
 
 std::int32_t TVXRAMCursor::Get_RecIndex() const {
-  return Ascending() ? physicalIndex_ : Get_RecordCount() - 1 - physicalIndex_;
+  return Ascending() ? physicalIndex_ : WrappingSubtract(Get_RecordCount() - 1, physicalIndex_);
 }
 
 void TVXRAMCursor::Set_RecIndex(std::int32_t value) {
-  physicalIndex_ = Ascending() ? value : Get_RecordCount() - 1 - value;
+  physicalIndex_ = Ascending() ? value : WrappingSubtract(Get_RecordCount() - 1, value);
 }
 
 bool TVXRAMCursor::Get_EOF() const {
@@ -166,7 +180,9 @@ void TVXRAMCursor::Set_RecordID(std::int32_t id) {
 }
 
 std::int32_t TVXRAMCursor::FindById(const TVXList& list, std::int32_t id) const {
-  const auto stands = [&](std::int32_t at) { return RowId(static_cast<const TVXRAMRow*>(list.Items(at))) == id; };
+  const auto stands = [&](std::int32_t at) {
+    return table_->InternalGetRecordID(static_cast<const TVXRAMRow*>(list.Items(at))) == id;
+  };
   const std::int32_t count = list.Count();
   // Where no id stands twice, a row that was just appended, or that hasn't moved, needs no walk.
   if (table_->IdsAreUnique() && count > 0) {
@@ -259,9 +275,11 @@ void TVXRAMCursor::InsertRecWithValues(const TVXRecordStruct& record, bool appen
 void TVXRAMCursor::UpdateRecWithValues(const TVXRecordStruct& record) {
   const TTableOperation running(*table_);
   updatingRecord_ = true;  // kept: stays set if a field's type doesn't fit
-  TVXRAMRow* const row = NeedCurrentRecord();
   // Kept: the number of fields isn't compared here.
-  for (std::int32_t i = 0; i < table_->Get_FieldDefs()->Count(); ++i) table_->StoreField(row, i, record.Field(i));
+  for (std::int32_t i = 0; i < table_->Get_FieldDefs()->Count(); ++i) {
+    table_->CheckFieldType(i, record.Field(i));  // before a missing row is missed
+    table_->StoreField(NeedCurrentRecord(), i, record.Field(i));
+  }
   updatingRecord_ = false;
   RecordEditionNotification(Get_CurrentRecord());
   const std::int32_t id = Get_RecordID();
@@ -273,7 +291,7 @@ void TVXRAMCursor::DeleteRec() {
   const TTableOperation running(*table_);
   if (Get_RecordCount() < 1) throw Exception("Table empty!");
   InternalDeleteRecord(Get_CurrentRecord());
-  if (!Ascending()) --physicalIndex_;
+  if (!Ascending()) physicalIndex_ = WrappingSubtract(physicalIndex_, 1);
   const std::int32_t count = Get_RecordCount();
   if (physicalIndex_ < 0)
     physicalIndex_ = 0;
@@ -295,14 +313,16 @@ TVXRAMCursorOrder GetFieldSortOrder(const std::string& item) {
 
 }  // namespace VXRAMTable_CMP
 
-void TVXRAMCursor::Sort(const std::string& specification) {
-  sortParser_->SetText(specification);
+void TVXRAMCursor::Sort(const std::string& sortSpecification) {
+  const TTableOperation running(*table_);
+  sortParser_->SetText(sortSpecification);
   table_->TakeSortFields(*sortParser_);
   if (table_->SortByFields(*Get_ActiveRecordList())) GoToFirstRec();
 }
 
 void TVXRAMCursor::Set_SortedField(const std::string& value) {
   if (value == sortedField_) return;
+  const TTableOperation running(*table_);
   sortedField_ = value;
   if (!value.empty()) InternalDoSort();
 }
@@ -310,26 +330,30 @@ void TVXRAMCursor::Set_SortedField(const std::string& value) {
 void TVXRAMCursor::SetOnFilterRecord(const TVXRAMCursorRecordFilterProc& value) {
   // Kept: only the code is compared, so that the same method of another object is not taken over.
   if (onFilterRecord_.SameCode(value)) return;
+  const TTableOperation running(*table_);
   onFilterRecord_ = value;
   FilterChange(filter_.get());
 }
 
 void TVXRAMCursor::FilterChange(TObject*) {
+  const TTableOperation running(*table_);
   RebuildFilteredList(*Get_InternalRecordList());
   InternalDoSort();
 }
 
 void TVXRAMCursor::RebuildFilteredList(const TVXList& source) {
-  const TTableOperation running(*table_);
-  filteredList_->Clear();
+  if (filteredList_->Count() > 0) filteredList_->Clear();
   if (!Get_IsFiltered()) return;
+  const TTableOperation running(*table_);
+  table_->CheckNesting();
   // Kept: a value of Null restricts nothing, although the cursor counts as filtered.
   const TVXRAMFieldDef* const field = filter_->Get_Value().IsNull() ? nullptr : filter_->Get_Field();
   const TVXRAMFilterMatch match(field == nullptr ? TVXRAMFieldSlot() : field->Get_Slot(), filter_->Get_Value());
   for (std::int32_t i = 0; i < source.Count(); ++i) {
     auto* const row = static_cast<TVXRAMRow*>(source.Items(i));
     if (field != nullptr && !match(row)) continue;
-    if (!onFilterRecord_ || onFilterRecord_(row, i)) filteredList_->Add(row);
+    const bool passes = !onFilterRecord_ || onFilterRecord_(row, i);
+    if (passes && !TVXRAMRowPool::IsGivenUp(row)) filteredList_->Add(row);
   }
   GoToFirstRec();
 }
@@ -356,11 +380,13 @@ IRecordOwner& TVXRAMCursor::RecordOwner() const {
 }
 
 void TVXRAMCursor::RecordDeletionNotification(TVXRAMCursor*, TVXRAMRow* row) {
+  const TTableOperation running(*table_);
   if (Get_IsFiltered()) filteredList_->Remove(row);
   RecordOwner().Refresh();
 }
 
 void TVXRAMCursor::RecordInsertionNotification(TVXRAMRow*) {
+  const TTableOperation running(*table_);
   RebuildFilteredList(*Get_InternalRecordList());
   InternalDoSort();
 }

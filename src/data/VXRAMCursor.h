@@ -171,7 +171,7 @@ class TVXRAMCursor : public TPersistent {
   /// Items "Name", "Name.A" or "Name.D", separated by ";"; names without case, unknown ones are skipped. Sorts the
   /// active list in place: without a filter that is the list which other cursors walk too. Goes to first position; does
   /// neither if no name is known.
-  void Sort(const std::string& specification);
+  void Sort(const std::string& sortSpecification);
   const std::string& Get_SortedField() const { return sortedField_; }
   /// If it differs, stores it and sorts, unless it is empty: no earlier order comes back.
   void Set_SortedField(const std::string& value);
@@ -233,6 +233,7 @@ class TVXRAMCursor : public TPersistent {
   void TearDown() override;
 
  protected:
+  ~TVXRAMCursor() override;
   void ReleaseMemory() override;
   void Set_PhysicalIndex(std::int32_t value) { physicalIndex_ = value; }
   TVXList& FilteredList() const { return *filteredList_; }

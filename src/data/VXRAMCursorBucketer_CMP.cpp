@@ -95,6 +95,7 @@ TVXRAMCursorBucketer::TVXRAMCursorBucketer(TVXRAMTable* table, TVXRAMIndexDef* i
       bucketList_(Make<TVXRAMBucketList>(this)) {}
 
 void TVXRAMCursorBucketer::AfterConstruction() {
+  const TTableOperation running(Table());
   const auto& desc = *Cast<TVXRAMCursorBucketerDesc>(Desc());
   SetBucketFieldDefs(desc.BucketFieldDefs);
   SetBasedGroupMode(desc.BasedGroupMode);
@@ -127,11 +128,13 @@ TVXRAMRow* TVXRAMCursorBucketer::Get_CurrentRecord() const {
 }
 
 void TVXRAMCursorBucketer::FilterChange(TObject*) {
+  const TTableOperation running(Table());
   RebuildFilteredList(*bucketList_->Get_BucketRecords());
   InternalDoSort();
 }
 
 void TVXRAMCursorBucketer::EndUpdating() {
+  const TTableOperation running(Table());
   BuildAllBuckets();
   RebuildFilteredList(*bucketList_->Get_BucketRecords());
   InternalDoSort();
@@ -217,7 +220,8 @@ void TVXRAMCursorBucketer::AppendKeyText(const TVXRAMRow* row, const TVXRAMField
 // -- Notifications ----------------------------------------------------------------------------------------------------
 
 void TVXRAMCursorBucketer::RecordInsertionNotification(TVXRAMRow* row) {
-  if (Get_IsUpdating()) return;
+  if (Get_IsUpdating() || TVXRAMRowPool::IsGivenUp(row)) return;  // whoever was told before may have deleted it again
+  const TTableOperation running(Table());
   bucketList_->InsertRecord(row, true);
   InternalDoSort();  // kept: the filtered list isn't rebuilt here
 }
@@ -227,6 +231,7 @@ void TVXRAMCursorBucketer::RecordEditionNotification(TVXRAMRow* row) {
 }
 
 void TVXRAMCursorBucketer::RecordDeletionNotification(TVXRAMCursor* origin, TVXRAMRow* row) {
+  const TTableOperation running(Table());
   TVXRAMCursor::RecordDeletionNotification(origin, row);
   if (FindBucketInfoByBucketRecord(row) != nullptr)
     DeleteSourceRows(row);

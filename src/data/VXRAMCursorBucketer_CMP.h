@@ -31,6 +31,7 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "data/VXRAMTable_CMP.h"
@@ -128,6 +129,8 @@ class TVXRAMBucketInfo : public TCollectionItem {
  private:
   friend class TVXRAMBucketList;
 
+  const TVXRAMCursorBucketer& Cursor() const;
+
   std::string key_;
   TVXRAMRow* bucketRecord_ = nullptr;
   TOwned<TVXList> records_;
@@ -158,6 +161,9 @@ class TVXRAMBucketList : public TCollection {
   TVXRAMCursorBucketer* Get_Cursor() const { return cursor_; }
   /// All virtual rows, in the order of their creation until a sort.
   TVXList* Get_BucketRecords() const { return bucketRecords_.get(); }
+
+ protected:
+  void ItemsMoved() override;
 
  private:
   friend class TVXRAMBucketInfo;
@@ -238,7 +244,9 @@ class TVXRAMCursorBucketer : public TVXRAMCursor {
   void CalcBucketedFieldValue(const TVXRAMRow* row, std::string& key) const;
   /// The date that a bucket shows for a source date: start or last day of its group.
   TDateTime BucketDate(TDateTime date) const;
-  std::int32_t GenerateUniqueID() { return nextBucketId_++; }
+  std::int32_t GenerateUniqueID() {
+    return std::exchange(nextBucketId_, static_cast<std::int32_t>(static_cast<std::uint32_t>(nextBucketId_) + 1));
+  }
 
   // -- Settings: stored alone; the next build honours them ------------------------------------------------------------
   std::int32_t Get_BucketedFieldCount() const;

@@ -113,10 +113,10 @@ TVXRAMFieldDefs::TVXRAMFieldDefs(TVXRAMTable* table, TClassOf<TCollectionItem> i
 TPersistent* TVXRAMFieldDefs::GetOwner() const { return table_; }
 
 void TVXRAMFieldDefs::Assign(const TPersistent* source) {
+  GuardFieldDefs(table_);
   if (source == this) return;
   const auto* const defs = As<TVXRAMFieldDefs>(source);
   if (defs == nullptr) return TCollection::Assign(source);
-  GuardFieldDefs(table_);
   Clear();
   for (std::int32_t i = 0; i < defs->Count(); ++i) {
     TVXRAMFieldDef& copy = *Add();

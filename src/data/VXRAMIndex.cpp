@@ -6,6 +6,15 @@
 
 namespace vx {
 
+namespace {
+
+/// Changes of definitions are refused while the base index of the table holds rows; without a table there is none.
+void GuardIndexDefs(const TVXRAMTable* table) {
+  if (table != nullptr) table->CheckIndexDefChangesAllowed();
+}
+
+}  // namespace
+
 // -- TVXRAMIndex ------------------------------------------------------------------------------------------------------
 
 const TClass& TVXRAMIndex::StaticClass() {
@@ -18,7 +27,7 @@ TVXRAMIndex::TVXRAMIndex(TVXRAMTable* table) : table_(table), list_(Make<TVXList
 TVXRAMFieldType TVXRAMIndex::KeyType() const { return static_cast<TVXRAMFieldType>(GetFieldType() & 0x7F); }
 
 std::int32_t TVXRAMIndex::Add(TVXRAMRow* row) {
-  table_->idsAreUnique_ = false;  // the caller may add what is there already
+  Need(Table(), "table of the index").idsAreUnique_ = false;  // the caller may add what is there already
   return list_->Add(row);
 }
 
@@ -36,11 +45,12 @@ void TVXRAMIndex::ReBuild() {
   const TVXRAMFieldType type = KeyType();
   if (type > kLastFieldType) throw ERTEInvalidFieldType("Cannot sort on a field of this type.");
   SortRows(list_->Data(), list_->Count(), {{{fieldStatusOffset_, fieldOffset_, fieldSize_, type}}});
-  table_->IndexRebuildingNotification(this);
+  Need(Table(), "table of the index").IndexRebuildingNotification(this);
 }
 
 std::int32_t TVXRAMIndex::LocateFirst(const void* key) {
   fieldOffset_ = GetFieldOffset();
+  Need(static_cast<const std::uint8_t*>(key), "key");
   const TVXRAMFieldType type = KeyType();
   if (type > kLastFieldType) return -1;
   const TVXRAMFieldSlot slot{-1, fieldOffset_, GetFieldByteSize(), type};
@@ -101,6 +111,7 @@ TVXRAMFieldDef& TVXRAMUserIndex::Field() const {
   return Need(Need(definition_, "index definition").Get_Field(), "field of the index");
 }
 
+TVXRAMTable* TVXRAMUserIndex::Table() const { return definition_ == nullptr ? nullptr : definition_->Get_Table(); }
 std::int32_t TVXRAMUserIndex::GetFieldByteSize() const { return Field().Get_ByteSize(); }
 std::int32_t TVXRAMUserIndex::GetFieldOffset() const { return Field().Get_ValueOffset(); }
 std::int32_t TVXRAMUserIndex::GetFieldStatusOffset() const { return Field().Get_StatusOffset(); }
@@ -165,10 +176,10 @@ TVXRAMIndexDefs::TVXRAMIndexDefs(TVXRAMTable* table)
 TPersistent* TVXRAMIndexDefs::GetOwner() const { return table_; }
 
 void TVXRAMIndexDefs::Assign(const TPersistent* source) {
+  GuardIndexDefs(table_);
   if (source == this) return;
   const auto* const defs = As<TVXRAMIndexDefs>(source);
   if (defs == nullptr) return TCollection::Assign(source);
-  table_->CheckIndexDefChangesAllowed();
   Clear();
   for (std::int32_t i = 0; i < defs->Count(); ++i) {
     TVXRAMIndexDef& copy = *Add();
@@ -178,14 +189,24 @@ void TVXRAMIndexDefs::Assign(const TPersistent* source) {
 }
 
 TVXRAMIndexDef* TVXRAMIndexDefs::Add() {
-  table_->CheckIndexDefChangesAllowed();
+  GuardIndexDefs(table_);
   return Cast<TVXRAMIndexDef>(TCollection::Add());
 }
 
 TVXRAMIndexDef* TVXRAMIndexDefs::Get_Item(std::int32_t index) const { return Cast<TVXRAMIndexDef>(Items(index)); }
 
+void TVXRAMIndexDefs::ItemsMoved() {
+  if (table_ == nullptr) return;
+  table_->LeaveStrayIndexes();
+  // A definition that comes from another table leaves that table's rows behind.
+  const auto* const last = Count() == 0 ? nullptr : As<TVXRAMIndexDef>(Items(Count() - 1));
+  if (last == nullptr || last->Get_Index() == nullptr || last->Get_Index()->table_ == table_) return;
+  last->Get_Index()->Clear();
+  last->Get_Index()->table_ = table_;
+}
+
 void TVXRAMIndexDefs::Set_Item(std::int32_t index, const TVXRAMIndexDef* value) {
-  table_->CheckIndexDefChangesAllowed();
+  GuardIndexDefs(table_);
   TVXRAMIndexDef& item = *Get_Item(index);
   item.Set_FieldName(Need(value, "index definition").Get_FieldName());
 }

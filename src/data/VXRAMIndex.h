@@ -32,6 +32,8 @@ class TVXRAMIndex : public TObject {
   /// -1 if the field has no status byte.
   virtual std::int32_t GetFieldStatusOffset() const = 0;
   virtual TVXRAMFieldType GetFieldType() const = 0;
+  /// Null for the index of a definition that is in no table.
+  virtual TVXRAMTable* Table() const { return table_; }
 
   // -- Rows -----------------------------------------------------------------------------------------------------------
   /// Appends without sorting; answers the position.
@@ -65,10 +67,8 @@ class TVXRAMIndex : public TObject {
   /// The list that cursors on the index walk.
   TVXList* Get_List() const { return list_.get(); }
 
- protected:
-  TVXRAMTable* Table() const { return table_; }
-
  private:
+  friend class TVXRAMIndexDefs;
   friend class TVXRAMTable;
 
   /// The type without its highest bit.
@@ -107,6 +107,7 @@ class TVXRAMUserIndex : public TVXRAMIndex {
   std::int32_t GetFieldOffset() const override;
   std::int32_t GetFieldStatusOffset() const override;
   TVXRAMFieldType GetFieldType() const override;
+  TVXRAMTable* Table() const override;
 
   /// Null once the definition was freed.
   TVXRAMIndexDef* Get_IndexDef() const { return definition_; }
@@ -159,6 +160,9 @@ class TVXRAMIndexDefs : public TCollection {
   void Set_Item(std::int32_t index, const TVXRAMIndexDef* value);
 
   TVXRAMTable* Get_Table() const { return table_; }
+
+ protected:
+  void ItemsMoved() override;
 
  private:
   TVXRAMTable* table_;

@@ -29,32 +29,28 @@ const TClass& TVXStringParser::StaticClass() {
   return info;
 }
 
-TVXStringParser::TVXStringParser(std::string separator, std::string text)
-    : separator_(std::move(separator)), text_(std::move(text)) {}
-
-std::size_t TVXStringParser::ItemEnd(std::size_t from) const {
-  const std::size_t at = separator_.empty() ? std::string::npos : text_.find(separator_, from);
-  return std::min(at, text_.size());
+TVXStringParser::TVXStringParser(std::string separator, std::string text) : separator_(std::move(separator)) {
+  SetText(std::move(text));
 }
 
-std::int32_t TVXStringParser::GetCount() const {
-  std::int32_t count = 0;
-  for (std::size_t at = 0; at < text_.size(); at = ItemEnd(at) + separator_.size()) {
-    ++count;
-    if (separator_.empty()) break;
+void TVXStringParser::SetText(std::string text) {
+  text_ = std::move(text);
+  items_.clear();
+  for (std::size_t at = 0; at < text_.size();) {
+    const std::size_t found = separator_.empty() ? std::string::npos : text_.find(separator_, at);
+    const std::size_t end = std::min(found, text_.size());
+    items_.emplace_back(at, end - at);
+    at = end + separator_.size();
+    if (end == text_.size()) break;
   }
-  return count;
 }
+
+std::int32_t TVXStringParser::GetCount() const { return static_cast<std::int32_t>(items_.size()); }
 
 std::string TVXStringParser::GetItemByIndex(std::int32_t index) const {
-  std::size_t at = 0;
-  for (std::int32_t i = 0; index >= 0 && at < text_.size(); ++i) {
-    const std::size_t end = ItemEnd(at);
-    if (i == index) return text_.substr(at, end - at);
-    if (end == text_.size()) break;
-    at = end + separator_.size();
-  }
-  throw Exception("StringParser : Index out of Bounds");
+  if (index < 0 || index >= GetCount()) throw Exception("StringParser : Index out of Bounds");
+  const auto& [begin, length] = items_[static_cast<std::size_t>(index)];
+  return text_.substr(begin, length);
 }
 
 }  // namespace vx

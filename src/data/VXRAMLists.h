@@ -1,8 +1,11 @@
 // VXRAMLists.h: the list of rows with its sort, and the splitter of texts like "Start.D;Name".
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "platform/component/Event.h"
 #include "platform/runtime/List.h"
@@ -38,15 +41,13 @@ class TVXStringParser : public TObject {
   std::string GetItemByIndex(std::int32_t index) const;
 
   const std::string& GetText() const { return text_; }
-  void SetText(std::string text) { text_ = std::move(text); }
+  void SetText(std::string text);
   const std::string& GetSeparator() const { return separator_; }
 
  private:
-  /// Where the item that starts at `from` ends: at a separator, or at the text's end.
-  std::size_t ItemEnd(std::size_t from) const;
-
   std::string separator_;
   std::string text_;
+  std::vector<std::pair<std::size_t, std::size_t>> items_;  // where each begins, and its length
 };
 
 }  // namespace vx

@@ -1,6 +1,7 @@
 #include "data/VXRAMRowPool.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace vx {
 
@@ -25,8 +26,8 @@ std::size_t Footprint(std::int32_t size) { return 4 + std::max(static_cast<std::
 std::uint8_t* TVXRAMRowPool::Cut(std::size_t bytes) {
   if (bytes > left_) {
     const std::size_t slab = std::max(nextSlab_, bytes);
-    slabs_.push_back(std::make_unique_for_overwrite<std::uint8_t[]>(slab));
-    next_ = slabs_.back().get();
+    slabs_.emplace_back(std::make_unique_for_overwrite<std::uint8_t[]>(slab), slab);
+    next_ = slabs_.back().first.get();
     left_ = slab;
     slabBytes_ += static_cast<std::int64_t>(slab);
     nextSlab_ = std::min(nextSlab_ * 2, kLargestSlab);
@@ -47,8 +48,23 @@ TVXRAMRow* TVXRAMRowPool::Allocate(std::int32_t size) {
     row = Cut(Footprint(size)) + kPrefix;
   }
   WriteWord(row - kPrefix, static_cast<std::uint32_t>(size));
+  row[kRecordStatusOffset] = vxrsActive;
   ++live_;
   return reinterpret_cast<TVXRAMRow*>(row);
+}
+
+bool TVXRAMRowPool::Drop(TVXRAMRow* row) {
+  if (IsGivenUp(row)) return false;
+  RowBytes(row)[kRecordStatusOffset] = kDropped;
+  return true;
+}
+
+bool TVXRAMRowPool::Owns(const TVXRAMRow* row) const {
+  const std::uint8_t* const at = RowBytes(row);
+  return std::any_of(slabs_.begin(), slabs_.end(), [at](const auto& slab) {
+    const std::uint8_t* const begin = slab.first.get();
+    return !std::less<>()(at, begin) && std::less<>()(at, begin + slab.second);
+  });
 }
 
 void TVXRAMRowPool::Release(TVXRAMRow* row) {

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <memory>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "data/VXRAMTypes.h"
@@ -24,13 +25,22 @@ class TVXRAMRowPool {
   /// Takes a block back. One that was released already raises EInvalidOperation. Null is ignored.
   void Release(TVXRAMRow* row);
 
+  /// Marks a row whose memory will be released soon; false if that was done before, or if it was released.
+  bool Drop(TVXRAMRow* row);
+  static bool IsGivenUp(const TVXRAMRow* row) {
+    return SizeOf(row) < 0 || reinterpret_cast<const std::uint8_t*>(row)[kRecordStatusOffset] == kDropped;
+  }
+  /// True for an address within this pool's memory.
+  bool Owns(const TVXRAMRow* row) const;
+
   /// Rows that were allocated and not released, listed anywhere or not.
   std::int64_t LiveRows() const { return live_; }
   /// Bytes asked of the system.
   std::int64_t SlabBytes() const { return slabBytes_; }
 
-  /// Size with which a live row was allocated, in bytes.
+  /// Size with which a live row was allocated, in bytes; negative for a released one. Null raises ENilAccess.
   static std::int32_t SizeOf(const TVXRAMRow* row) {
+    if (row == nullptr) RaiseNoRow();
     std::int32_t size;
     std::memcpy(&size, reinterpret_cast<const std::uint8_t*>(row) - kPrefix, sizeof size);
     return size;
@@ -38,10 +48,13 @@ class TVXRAMRowPool {
 
  private:
   static constexpr std::int32_t kPrefix = 4;
+  static constexpr std::uint8_t kDropped = 0xFF;  // in the status byte of a row that nobody lists any more
+
+  [[noreturn]] static void RaiseNoRow() { throw ENilAccess("row"); }
 
   std::uint8_t* Cut(std::size_t bytes);
 
-  std::vector<std::unique_ptr<std::uint8_t[]>> slabs_;
+  std::vector<std::pair<std::unique_ptr<std::uint8_t[]>, std::size_t>> slabs_;
   std::uint8_t* next_ = nullptr;  // first free byte of the newest slab
   std::size_t left_ = 0;
   std::size_t nextSlab_ = 16 * 1024;
@@ -62,9 +75,14 @@ inline bool RowHolds(const TVXRAMRow* row, const TVXRAMFieldSlot& slot) {
          std::int64_t{slot.valueOffset} + slot.size <= TVXRAMRowPool::SizeOf(row);
 }
 
+/// RowHolds for writing: a layout with senseless sizes may place fields in the row's head or before it.
+inline bool RowTakes(const TVXRAMRow* row, const TVXRAMFieldSlot& slot) {
+  return RowHolds(row, slot) && slot.statusOffset >= kFirstFieldOffset;
+}
+
 inline std::int32_t RowId(const TVXRAMRow* row) {
   std::int32_t id;
-  std::memcpy(&id, RowBytes(row), sizeof id);
+  std::memcpy(&id, &Need(RowBytes(row), "row"), sizeof id);
   return id;
 }
 

@@ -40,11 +40,15 @@ void QuickSort(const Items& items, std::int32_t count, const Compare& compare) {
       std::int32_t i = left;
       std::int32_t j = right;
       const auto pivot = items.Get(left + (right - left) / 2);
+      bool swapped = false;
       do {
         while (compare(items.Get(i), pivot) < 0) ++i;
         while (compare(items.Get(j), pivot) > 0) --j;
-        if (i <= j) items.Swap(i++, j--);
+        if (i > j) break;
+        items.Swap(i++, j--);
+        swapped = true;
       } while (i <= j);
+      if (!swapped) break;  // both have passed the pivot itself: such answers could go on for ever
       if (left < j && i < right) waiting.push_back({i, right});
       if (left < j)
         right = j;

@@ -19,6 +19,14 @@ TVXRAMCursor* CursorAt(const TVXList& cursors, std::int32_t index) {
 TVXRAMRow* NeedRow(TVXRAMRow* row) { return &Need(row, "row"); }
 const TVXRAMRow* NeedRow(const TVXRAMRow* row) { return &Need(row, "row"); }
 
+const std::uint8_t& NeedBuffer(const void* buffer) {
+  return Need(static_cast<const std::uint8_t*>(buffer), "buffer of the value");
+}
+
+void CheckNotReleased(const TVXRAMRow* row) {
+  if (TVXRAMRowPool::IsGivenUp(row)) throw EInvalidOperation("Row was released before");
+}
+
 }  // namespace
 
 /// A walk over the cursors that were open when it began: who leaves meanwhile is passed over, who joins is not called.
@@ -62,7 +70,11 @@ TVXRAMTable::TVXRAMTable(TComponent* owner)
       baseIndex_(Make<TVXRAMBaseIndex>(this)),
       cursors_(Make<TVXList>()) {}
 
-TVXRAMTable::~TVXRAMTable() = default;
+TVXRAMTable::~TVXRAMTable() {
+  // Definitions look at the table as they go: while all of it is there.
+  indices_.reset();
+  fieldDefs_.reset();
+}
 
 void TVXRAMTable::BeforeDestruction() {
   const std::int32_t count = cursors_->Count();
@@ -72,13 +84,25 @@ void TVXRAMTable::BeforeDestruction() {
 }
 
 void TVXRAMTable::TearDown() {
-  while (cursors_->Count() > 0) CursorAt(*cursors_, 0)->FreeAnyway();
+  closed_ = true;
+  while (cursors_->Count() > 0) {
+    TVXRAMCursor* const cursor = CursorAt(*cursors_, 0);
+    cursor->FreeAnyway();
+    CursorFreed(cursor);  // one that was being freed already hasn't left
+  }
   ClearTable();
   TComponent::TearDown();
 }
 
 void TVXRAMTable::ReleaseMemory() {
-  WhenIdle([this] { delete this; });
+  released_ = true;
+  if (operations_ == 0 && made_.empty()) TComponent::ReleaseMemory();
+}
+
+void TVXRAMTable::CursorGone(TVXRAMCursor* cursor) {
+  const TTableOperation running(*this);  // whose end may be the table's
+  *std::find(made_.rbegin(), made_.rend(), cursor) = made_.back();
+  made_.pop_back();
 }
 
 void TVXRAMTable::WhenIdle(std::function<void()> action) {
@@ -87,16 +111,28 @@ void TVXRAMTable::WhenIdle(std::function<void()> action) {
 }
 
 void TVXRAMTable::EndOperation() {
-  if (!droppedRows_.empty()) {
-    for (TVXRAMRow* const row : std::exchange(droppedRows_, {}))
-      if (IsNamed(row))
-        heldRows_.push_back(row);
-      else
-        pool_.Release(row);
+  if (operations_ == 1) {
+    // What runs here is still inside the operation, and may leave more to do.
+    while (!droppedRows_.empty() || !waiting_.empty()) {
+      ReleaseDroppedRows();
+      for (const auto& action : std::exchange(waiting_, {})) action();
+    }
   }
-  if (waiting_.empty()) return;
-  // The last of these may free the table.
-  for (const auto& action : std::exchange(waiting_, {})) action();
+  --operations_;
+  if (released_) ReleaseMemory();
+}
+
+void TVXRAMTable::ReleaseDroppedRows() {
+  for (TVXRAMRow* const row : std::exchange(droppedRows_, {}))
+    if (IsNamed(row))
+      heldRows_.push_back(row);
+    else
+      pool_.Release(row);
+}
+
+void TVXRAMTable::CheckNesting() const {
+  // A listener that answers a change by the same change never comes to an end: the call stack would.
+  if (operations_ > kMostNested) throw EInvalidOperation("Changes of table '" + Name() + "' nest too deeply");
 }
 
 // -- Definitions ------------------------------------------------------------------------------------------------------
@@ -150,7 +186,9 @@ void TVXRAMTable::OpenCursor(TClassOf<TVXRAMCursor> cursorClass, TVXRAMCursorDes
     throw ERTENoSuchIndex(ClassName() + ":\rCannot create the " + "cursor: index does not exist.");
   TVXRAMIndexDef* const index = number == -1 ? nullptr : indices_->Get_Item(number);
   if (!cursorClass) cursorClass = TClassOf<TVXRAMCursor>::Of<TVXRAMCursor>();
+  const TTableOperation running(*this);
   TOwned<TVXRAMCursor> made = cursorClass.Make(this, index, desc);
+  if (closed_) throw EInvalidOperation("A table that is being freed opens no cursors");
   cursors_->Add(made.get());
   cursor = made.release();
 }
@@ -168,11 +206,16 @@ void TVXRAMTable::CursorFreed(TVXRAMCursor* cursor) {
 }
 
 void TVXRAMTable::IndexFreed(TOwned<TVXRAMUserIndex> index) {
-  for (std::int32_t i = 0; i < cursors_->Count(); ++i) {
-    TVXRAMCursor& cursor = *CursorAt(*cursors_, i);
-    if (cursor.index_ == index.get()) cursor.index_ = nullptr;
-  }
+  for (TVXRAMCursor* const cursor : made_)
+    if (cursor->index_ == index.get()) cursor->index_ = nullptr;
   if (operations_ > 0) WhenIdle([kept = std::shared_ptr<TVXRAMUserIndex>(std::move(index))] {});
+}
+
+void TVXRAMTable::LeaveStrayIndexes() {
+  for (TVXRAMCursor* const cursor : made_) {
+    const auto* const index = As<TVXRAMUserIndex>(cursor->index_);
+    if (index != nullptr && index->Table() != this) cursor->index_ = nullptr;
+  }
 }
 
 template <class News>
@@ -223,6 +266,7 @@ void TVXRAMTable::DisposeRecordStruct(TVXRecordStruct*& record) const {
 
 std::int32_t TVXRAMTable::AddRecord(std::int32_t index, std::int32_t& recordId) {
   const TTableOperation running(*this);
+  CheckNesting();
   TVXRAMRow* const row = InternalAllocRecordBuffer();
   recordId = InternalInitRecord(row);
   std::int32_t result = -1;
@@ -236,13 +280,16 @@ std::int32_t TVXRAMTable::AddRecord(std::int32_t index, std::int32_t& recordId) 
   return result;
 }
 
+void TVXRAMTable::CheckFieldType(std::int32_t field, const TVXFieldStruct& element) const {
+  if (element.FieldType == fieldDefs_->Get_Slots()[static_cast<std::size_t>(field)].type) return;
+  throw Exception(
+      "DEVELOPPER NOTE: Mismatch between ARecordStruct.FieldArrayPtr^[ VI ].FieldType and FFieldDefs[ VI ].DataType.");
+}
+
 void TVXRAMTable::StoreField(TVXRAMRow* row, std::int32_t field, const TVXFieldStruct& element) {
+  CheckFieldType(field, element);
   const TVXRAMFieldSlot& slot = fieldDefs_->Get_Slots()[static_cast<std::size_t>(field)];
-  if (element.FieldType != slot.type)
-    throw Exception(
-        "DEVELOPPER NOTE: Mismatch between ARecordStruct.FieldArrayPtr^[ VI ].FieldType and FFieldDefs[ VI "
-        "].DataType.");
-  if (!RowHolds(row, slot)) WritableSlot(row, field);  // raises
+  WritableSlot(row, field);
   std::uint8_t* const value = RowBytes(row) + slot.valueOffset;
   const auto size = static_cast<std::size_t>(slot.size);
   RowBytes(row)[slot.statusOffset] = element.IsNull ? vxfsNull : vxfsAssigned;
@@ -252,14 +299,17 @@ void TVXRAMTable::StoreField(TVXRAMRow* row, std::int32_t field, const TVXFieldS
   }
   // A structure may be older than a change of the field's size: what it doesn't have is zero.
   const bool text = slot.type == vxrftString;
-  const std::size_t known = std::min(size, text ? static_cast<std::size_t>(element.StringSize) : sizeof element.Value);
-  std::memcpy(value, text ? static_cast<const void*>(element.StringPtr) : element.Value, known);
+  std::size_t known = sizeof element.Value;
+  if (text) known = element.StringPtr == nullptr ? 0 : static_cast<std::size_t>(std::max(element.StringSize, 0));
+  known = std::min(size, known);
+  if (known > 0) std::memcpy(value, text ? static_cast<const void*>(element.StringPtr) : element.Value, known);
   std::memset(value + known, 0, size - known);
 }
 
 std::int32_t TVXRAMTable::AddRecordAndValues(const TVXRecordStruct& record, std::int32_t index, std::int32_t position,
                                              std::int32_t& recordId, bool append) {
   const TTableOperation running(*this);
+  CheckNesting();
   TVXRAMRow* const row = InternalAllocRecordBuffer();
   recordId = InternalInitRecord(row);
   // Kept: a structure that doesn't fit leaves its row allocated and listed nowhere.
@@ -290,6 +340,7 @@ void TVXRAMTable::RebuildIndices() {
 void TVXRAMTable::DeleteRecord(TVXRAMCursor* origin, TVXRAMRow* row) {
   if (row == nullptr) return;
   const TTableOperation running(*this);
+  CheckNesting();
   baseIndex_->Remove(row);
   for (std::int32_t i = 0; i < indices_->Count(); ++i) indices_->Get_Item(i)->Get_Index()->Remove(row);
   TellCursors([origin, row](TVXRAMCursor& cursor) { cursor.RecordDeletionNotification(origin, row); });
@@ -326,12 +377,15 @@ bool TVXRAMTable::IsNamed(const TVXRAMRow* row) const {
 }
 
 void TVXRAMTable::ReleaseRow(TVXRAMRow* row) {
+  if (row == nullptr || !pool_.Drop(row)) return;  // one that was given up by hand before
   const TTableOperation running(*this);
   droppedRows_.push_back(row);
 }
 
 void TVXRAMTable::ReleaseHeldRows() {
-  for (TVXRAMRow* const row : std::exchange(heldRows_, {})) ReleaseRow(row);
+  const TTableOperation running(*this);
+  droppedRows_.insert(droppedRows_.end(), heldRows_.begin(), heldRows_.end());
+  heldRows_.clear();
 }
 
 // -- One row's bytes --------------------------------------------------------------------------------------------------
@@ -344,7 +398,7 @@ TVXRAMFieldSlot TVXRAMTable::Slot(std::int32_t field) const {
 
 TVXRAMFieldSlot TVXRAMTable::WritableSlot(const TVXRAMRow* row, std::int32_t field) const {
   const TVXRAMFieldSlot slot = Slot(field);
-  if (!RowHolds(NeedRow(row), slot))
+  if (!RowTakes(NeedRow(row), slot))
     throw ERAMTableError("Record " + std::to_string(RowId(row)) + " is older than field '" +
                          fieldDefs_->Get_Item(field)->GetDisplayName() + "' and has no room for it.");
   return slot;
@@ -356,20 +410,25 @@ TVXRAMRow* TVXRAMTable::InternalAllocRecordBuffer() {
 }
 
 std::int32_t TVXRAMTable::InternalInitRecord(TVXRAMRow* row) {
-  std::memset(RowBytes(NeedRow(row)), 0, static_cast<std::size_t>(TVXRAMRowPool::SizeOf(row)));
+  CheckNotReleased(NeedRow(row));
+  std::memset(RowBytes(row), 0, static_cast<std::size_t>(TVXRAMRowPool::SizeOf(row)));
   const std::int32_t id = GenerateUniqueID();
   std::memcpy(RowBytes(row), &id, sizeof id);
   return id;
 }
 
 void TVXRAMTable::InternalFreeRecordBuffer(TVXRAMRow* row) {
-  if (row != nullptr) ReleaseRow(row);
+  if (row == nullptr) return;
+  if (!pool_.Owns(row)) throw EInvalidOperation("Row isn't one of table '" + Name() + "'");
+  if (!pool_.Drop(row)) throw EInvalidOperation("Row was released before");
+  const TTableOperation running(*this);
+  droppedRows_.push_back(row);
 }
 
 void TVXRAMTable::InternalClearAllFieldValues(TVXRAMRow* row) {
   NeedRow(row);
   for (const TVXRAMFieldSlot& slot : fieldDefs_->Get_Slots())
-    if (RowHolds(row, slot)) std::memset(RowBytes(row) + slot.valueOffset, 0, static_cast<std::size_t>(slot.size));
+    if (RowTakes(row, slot)) std::memset(RowBytes(row) + slot.valueOffset, 0, static_cast<std::size_t>(slot.size));
 }
 
 void TVXRAMTable::InternalClearFieldValue(TVXRAMRow* row, std::int32_t field) {
@@ -388,35 +447,43 @@ TVXFieldStatus TVXRAMTable::InternalGetFieldStatus(const TVXRAMRow* row, std::in
 
 void TVXRAMTable::InternalSetFieldValue(TVXRAMRow* row, std::int32_t field, const void* buffer) {
   const TVXRAMFieldSlot slot = WritableSlot(row, field);
-  std::memcpy(RowBytes(row) + slot.valueOffset, buffer, static_cast<std::size_t>(slot.size));
+  if (slot.size > 0)
+    std::memcpy(RowBytes(row) + slot.valueOffset, &NeedBuffer(buffer), static_cast<std::size_t>(slot.size));
 }
 
 void TVXRAMTable::InternalGetFieldValue(const TVXRAMRow* row, std::int32_t field, void* buffer) const {
   const TVXRAMFieldSlot slot = Slot(field);
-  if (RowHolds(NeedRow(row), slot))
+  NeedRow(row);
+  if (slot.size <= 0) return;
+  NeedBuffer(buffer);
+  if (RowHolds(row, slot))
     std::memcpy(buffer, RowBytes(row) + slot.valueOffset, static_cast<std::size_t>(slot.size));
-  else if (slot.size > 0)
+  else
     std::memset(buffer, 0, static_cast<std::size_t>(slot.size));
 }
 
 void TVXRAMTable::InternalSetRecordId(TVXRAMRow* row, std::int32_t id) {
+  CheckNotReleased(NeedRow(row));
   idsAreUnique_ = false;
-  std::memcpy(RowBytes(NeedRow(row)), &id, sizeof id);
+  std::memcpy(RowBytes(row), &id, sizeof id);
 }
 
 // -- Sorting and filtering --------------------------------------------------------------------------------------------
 
-void TVXRAMTable::TakeSortFields(const TVXStringParser& specification) {
+void TVXRAMTable::TakeSortFields(const TVXStringParser& sortItems) {
   sortFields_.clear();
-  // From the last item to the first: of a field that is named twice the first order counts, since it is written last.
-  for (std::int32_t i = specification.GetCount() - 1; i >= 0; --i) {
-    const std::string item = specification.GetItemByIndex(i);
+  // Of a field that is named twice the first order counts, and its later places decide nothing any more.
+  std::vector<bool> named(static_cast<std::size_t>(fieldDefs_->Count()));
+  for (std::int32_t i = 0; i < sortItems.GetCount(); ++i) {
+    const std::string item = sortItems.GetItemByIndex(i);
     const std::int32_t field = FieldNbByName(VXRAMTable_CMP::GetFieldName(item));
-    if (field == -1) continue;
+    if (field == -1 || named[static_cast<std::size_t>(field)]) continue;
+    named[static_cast<std::size_t>(field)] = true;
     TVXRAMFieldDef* const def = fieldDefs_->Get_Item(field);
     def->Set_SortOrder(VXRAMTable_CMP::GetFieldSortOrder(item));
     sortFields_.emplace_back(def);
   }
+  std::reverse(sortFields_.begin(), sortFields_.end());
 }
 
 bool TVXRAMTable::SortByFields(TVXList& rows) {
@@ -489,6 +556,7 @@ void TVXRAMTable::IndexRebuildingNotification(TVXRAMIndex* index) {
   const auto* const userIndex = As<TVXRAMUserIndex>(index);
   if (userIndex == nullptr) return;
   const TTableOperation running(*this);
+  CheckNesting();
   const TVXRAMIndexDef& definition = Need(userIndex->Get_IndexDef(), "index definition");
   const std::string name = definition.Get_FieldName();
   TellCursors([&name](TVXRAMCursor& cursor) {
@@ -507,7 +575,7 @@ std::string CheckList(const TVXList& rows, const std::string& name, std::int32_t
     const auto* const row = static_cast<const TVXRAMRow*>(rows.Items(i));
     const std::string where = name + ", position " + std::to_string(i) + ": ";
     if (row == nullptr) return where + "no row";
-    if (TVXRAMRowPool::SizeOf(row) < kFirstFieldOffset) return where + "a released row";
+    if (TVXRAMRowPool::IsGivenUp(row)) return where + "a released row";
     if (!seen.insert(row).second) return where + "row " + std::to_string(RowId(row)) + " stands there twice";
     if (RowId(row) >= nextId) return where + "id " + std::to_string(RowId(row)) + " was never given";
   }

@@ -20,6 +20,8 @@
 // or free the table: a cursor that is closed isn't told any more, one that is opened is told the next time, and memory
 // goes when the outermost operation of the table ends.
 //
+// A listener that answers each change by another one, without end, gets EInvalidOperation before the call stack ends.
+//
 // Closing. Owners close their cursors before they free the table. Free() with two or more open cursors fails with a
 // list error, after it has closed some of them; the table is then still whole.
 //
@@ -30,6 +32,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "data/VXRAMCursor.h"
@@ -119,7 +122,9 @@ class TVXRAMTable : public TComponent {
   /// Kept: does nothing. Deletion is physical.
   void Pack() {}
 
-  std::int32_t GenerateUniqueID() { return nextId_++; }
+  std::int32_t GenerateUniqueID() {
+    return std::exchange(nextId_, static_cast<std::int32_t>(static_cast<std::uint32_t>(nextId_) + 1));
+  }
   /// Rows of the base index.
   std::int32_t Get_RecCount() const { return baseIndex_->Get_RecCount(); }
   /// Bytes of one row. O(1) between changes of the definitions.
@@ -184,16 +189,19 @@ class TVXRAMTable : public TComponent {
   friend class TVXRAMFieldDef;
   friend class TVXRAMIndex;
   friend class TVXRAMIndexDef;
+  friend class TVXRAMIndexDefs;
 
   class TCursorWalk;
 
   // -- For cursors and indexes
-  /// Copies an element of a record structure into a row, or raises if its type isn't the definition's.
+  /// Raises if the element's type isn't the definition's.
+  void CheckFieldType(std::int32_t field, const TVXFieldStruct& element) const;
+  /// Copies an element of a record structure into a row, after CheckFieldType.
   void StoreField(TVXRAMRow* row, std::int32_t field, const TVXFieldStruct& element);
   /// Rebuilds every user index in definition order.
   void RebuildIndices();
-  /// Fills the list of sort fields from a specification.
-  void TakeSortFields(const TVXStringParser& specification);
+  /// Fills the list of sort fields from a sort specification.
+  void TakeSortFields(const TVXStringParser& sortItems);
   /// Sorts a list of rows by the list of sort fields; false, and nothing done, if that is empty.
   bool SortByFields(TVXList& rows);
   /// True as long as nobody wrote ids or index entries by hand: then no id stands twice in a list.
@@ -201,6 +209,11 @@ class TVXRAMTable : public TComponent {
   /// Cursors on the index walk the main list from now on; the index goes when nobody can be inside it.
   void IndexFreed(TOwned<TVXRAMUserIndex> index);
   void CursorFreed(TVXRAMCursor* cursor);
+  // The table's memory stays for as long as a cursor's: the last one to go ends a table that was freed meanwhile.
+  void CursorMade(TVXRAMCursor* cursor) { made_.push_back(cursor); }
+  void CursorGone(TVXRAMCursor* cursor);
+  /// Cursors on an index whose definition isn't this table's any more walk the main list from now on.
+  void LeaveStrayIndexes();
   /// Runs `action` at the end of the outermost operation; at once outside of one.
   void WhenIdle(std::function<void()> action);
   /// Gives a row's memory back, as soon as no operation and no cursor needs it any more.
@@ -217,6 +230,9 @@ class TVXRAMTable : public TComponent {
   template <class News>
   void TellCursors(const News& tell);
   void EndOperation();
+  void ReleaseDroppedRows();
+  /// Raises EInvalidOperation if notifications have led to notifications too often.
+  void CheckNesting() const;
 
   TVXRAMRowPool pool_;
   std::vector<TVXRAMFieldRef> sortFields_;  // scratch of the sorts, the last item deciding first
@@ -229,6 +245,10 @@ class TVXRAMTable : public TComponent {
   std::int32_t nextId_ = 0;
   std::int32_t updateCounter_ = 0;
 
+  bool closed_ = false;              // torn down: opens no cursors any more
+  bool released_ = false;            // the memory goes with the last operation and cursor
+  std::vector<TVXRAMCursor*> made_;  // all that were made on this table, opened by it or not
+  static constexpr std::int32_t kMostNested = 1000;
   std::int32_t operations_ = 0;   // nesting of TTableOperation
   TCursorWalk* walks_ = nullptr;  // walks over the cursors that are under way, innermost first
   bool idsAreUnique_ = true;
@@ -244,9 +264,7 @@ class TTableOperation {
   explicit TTableOperation(TVXRAMTable& table) : table_(table) { ++table_.operations_; }
   TTableOperation(const TTableOperation&) = delete;
   TTableOperation& operator=(const TTableOperation&) = delete;
-  ~TTableOperation() {
-    if (--table_.operations_ == 0) table_.EndOperation();
-  }
+  ~TTableOperation() { table_.EndOperation(); }
 
  private:
   TVXRAMTable& table_;
