@@ -84,7 +84,8 @@ void TVXRAMBucketList::FreeBuckets() {
   Clear();
 }
 
-/// Buckets come and go by Add and Free. One that was moved here from elsewhere, or from here, would be known to two lists.
+/// Buckets come and go by Add and Free. One that was moved here from elsewhere, or from here, would be known to two
+/// lists.
 void TVXRAMBucketList::ItemsMoved() {
   auto* const last = Count() == 0 ? nullptr : As<TVXRAMBucketInfo>(Items(Count() - 1));
   if (last != nullptr && last->bucketRecord_ != nullptr && !byBucketRecord_.contains(last->bucketRecord_)) {

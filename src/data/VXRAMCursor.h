@@ -83,8 +83,8 @@ class TVXRAMCursorDesc : public TObject {
   TVXRAMCursorDesc(TComponent* owner, std::int32_t indexNumber, TVXRAMCursorOrder order, std::string sortedField,
                    TVXRAMFieldDef* filterField, Variant filterValue);
 
-  TComponent* Owner;         ///< an IRecordOwner; null only if no row is ever deleted
-  std::int32_t IndexNumber;  ///< position of an index definition, -1 for none
+  TComponentRef<TComponent> Owner;  ///< an IRecordOwner; null only if no row is ever deleted
+  std::int32_t IndexNumber;         ///< position of an index definition, -1 for none
   TVXRAMCursorOrder Order;
   std::string SortedField;  ///< sort specification
   TVXRAMFieldRef FilterField;

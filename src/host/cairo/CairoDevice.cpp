@@ -156,8 +156,7 @@ std::string TCairoDevice::EncodePng() const {
 
 void TCairoDevice::SaveToFile(const std::string& path) const { WriteFileAtomically(path, EncodePng()); }
 
-// -- Clip
-// ---------------------------------------------------------------------------------------------------------------
+// -- Clip ------------------------------------------------------------------------------------------------------------
 
 void TCairoDevice::SaveClip() { cairo_save(handles_->context.get()); }
 void TCairoDevice::RestoreClip() { cairo_restore(handles_->context.get()); }
@@ -168,8 +167,7 @@ void TCairoDevice::IntersectClip(const TRect& rect) {
   cairo_clip(handles_->context.get());
 }
 
-// -- Primitives
-// -----------------------------------------------------------------------------------------------------------
+// -- Primitives ------------------------------------------------------------------------------------------------------
 
 void TCairoDevice::FillRect(const TRect& rect, const TBrush& brush) {
   cairo_new_path(handles_->context.get());
@@ -252,8 +250,7 @@ void TCairoDevice::SetText(std::string_view text, const TFont& font) const {
   pango_layout_set_text(layout, showable.data(), static_cast<int>(showable.size()));
 }
 
-// -- From pixels to paths
-// ---------------------------------------------------------------------------------------------------
+// -- From pixels to paths --------------------------------------------------------------------------------------------
 
 /// Where a pixel begins in the image.
 double TCairoDevice::Edge(std::int32_t pixel) const {

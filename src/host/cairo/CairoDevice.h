@@ -51,8 +51,7 @@ class TCairoDevice : public ICanvasDevice {
   /// Writes beside `path` first and then renames, so that a failure leaves an older file as it was.
   void SaveToFile(const std::string& path) const;
 
-  // -- ICanvasDevice
-  // ----------------------------------------------------------------------------------------------------
+  // -- ICanvasDevice -------------------------------------------------------------------------------------------------
   TSize Size() const override { return size_; }
   TSize MeasureText(std::string_view text, const TFont& font) const override;
   void SaveClip() override;

@@ -8,7 +8,8 @@
 //   for (TDateTime month = first; month <= last; month = NextMonth(month))
 //     chart->BottomAxis().Items.push_back({month, FormatDateTime("mmm yyyy", month)});
 //
-// Places are true to the value: a February is narrower than a March, and a bar stands around the first day of its month.
+// Places are true to the value: a February is narrower than a March, and a bar stands around the first day of its
+// month.
 //
 // Without items, a bottom axis labels the points' own labels, or, where X is a date, the points' dates.
 #pragma once

@@ -97,8 +97,7 @@ class TCollection : public TPersistent {
   /// Path of the owner and the name of its property that holds this collection, as far as known; else the class name.
   std::string GetNamePath() const override;
 
-  // -- Items
-  // ---------------------------------------------------------------------------------------------------------------
+  // -- Items ---------------------------------------------------------------------------------------------------------
   const TClassOf<TCollectionItem>& ItemClass() const { return itemClass_; }
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.size()); }
   /// EListError "List index out of bounds (%d)" outside 0 to Count - 1.
@@ -115,8 +114,7 @@ class TCollection : public TPersistent {
   /// Frees all items, last to first.
   void Clear();
 
-  // -- Brackets
-  // --------------------------------------------------------------------------------------------------------------
+  // -- Brackets ------------------------------------------------------------------------------------------------------
   void BeginUpdate() { ++updateCount_; }
   /// Without a BeginUpdate before it: no effect.
   void EndUpdate();

@@ -57,16 +57,14 @@ class TComponent : public TPersistent {
   static const TClass& StaticClass();
   const TClass& ClassType() const override { return StaticClass(); }
 
-  // -- Life
-  // ----------------------------------------------------------------------------------------------------------------
+  // -- Life ----------------------------------------------------------------------------------------------------------
   /// Tells the owner (opInsert). Overriders call it before they use the owner's services.
   void AfterConstruction() override;
   void TearDown() override;
   /// Marks this and all that it owns as csDestroying.
   void Destroying();
 
-  // -- Owner and name
-  // --------------------------------------------------------------------------------------------------------
+  // -- Owner and name ------------------------------------------------------------------------------------------------
   TComponent* Owner() const { return owner_; }
   TPersistent* GetOwner() const override { return owner_; }
   /// The name, or the class name as long as there is none.
@@ -79,8 +77,7 @@ class TComponent : public TPersistent {
   std::int32_t Tag() const { return tag_; }
   void SetTag(std::int32_t tag) { tag_ = tag; }
 
-  // -- Owned components
-  // ------------------------------------------------------------------------------------------------------
+  // -- Owned components ----------------------------------------------------------------------------------------------
   std::int32_t ComponentCount() const { return static_cast<std::int32_t>(components_.Count()); }
   /// EListError outside 0 to ComponentCount - 1.
   TComponent* Components(std::int32_t index) const;
@@ -94,15 +91,13 @@ class TComponent : public TPersistent {
   /// Gives up the ownership; nobody frees it then. Without effect on a component of another owner.
   void RemoveComponent(TComponent* component);
 
-  // -- State
-  // -----------------------------------------------------------------------------------------------------------------
+  // -- State ---------------------------------------------------------------------------------------------------------
   TComponentState ComponentState() const { return state_; }
   bool Is(TComponentStateFlag flag) const { return state_.Has(flag); }
   /// Sets or clears csDesigning here and in all owned components.
   void SetDesigning(bool value);
 
-  // -- Who wants to know
-  // -------------------------------------------------------------------------------------------------------
+  // -- Who wants to know ---------------------------------------------------------------------------------------------
   /// Both will be told when the other one goes, at first; as a part of its owner's tree a second time, when it leaves.
   /// Asking twice is harmless; null and itself are ignored.
   void FreeNotification(TComponent* other);
@@ -224,8 +219,7 @@ class TComponentRef {
   T* object_ = nullptr;
 };
 
-// -- The class registry
-// ------------------------------------------------------------------------------------------------------
+// -- The class registry ----------------------------------------------------------------------------------------------
 
 struct TPalettePage {
   std::string Name;

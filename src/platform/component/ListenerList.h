@@ -28,8 +28,7 @@ class TListenerList {
     for (TRound* const round : rounds_) round->list = nullptr;
   }
 
-  // -- Reading
-  // -------------------------------------------------------------------------------------------------------------
+  // -- Reading -------------------------------------------------------------------------------------------------------
   std::size_t Count() const { return items_.size(); }
   bool Empty() const { return items_.empty(); }
   T* operator[](std::size_t index) const { return items_[index]; }
@@ -41,8 +40,7 @@ class TListenerList {
   }
   bool Contains(const T* item) const { return IndexOf(item) != kNone; }
 
-  // -- Changing
-  // ------------------------------------------------------------------------------------------------------------
+  // -- Changing ------------------------------------------------------------------------------------------------------
   void Add(T* item) { items_.push_back(item); }
   /// Answers false if it wasn't there.
   bool Remove(const T* item) {
@@ -56,8 +54,7 @@ class TListenerList {
     return true;
   }
 
-  // -- Telling
-  // -------------------------------------------------------------------------------------------------------------
+  // -- Telling -------------------------------------------------------------------------------------------------------
   /// Calls `tell` with each listener. What it raises ends the round and passes on.
   template <class F>
   void ForEach(F&& tell) const {

@@ -8,9 +8,10 @@
 //         .Property("Loud", &TBell::GetLoud, &TBell::SetLoud).Default(true)
 //         .Property("Shape", &TBell::GetShape, &TBell::SetShape).Default(bsRound).Stored(&TBell::IsShapeStored)
 //         .Property("Count", &TBell::GetCount)                      // no setter: read-only
-//         .Property("OnRing", &TBell::OnRing)                       // an event: the slot, or a member that answers it
-//         by reference .Publish("Tag").Default(7)                                // an ancestor's, published again with
-//         its own default .Method("DoorOpen", &TBell::DoorOpen) .Build();
+//         .Property("OnRing", &TBell::OnRing)                       // an event: its slot, or a member that answers it
+//         .Publish("Tag").Default(7)                                // an ancestor's, with a default of its own
+//         .Method("DoorOpen", &TBell::DoorOpen)
+//         .Build();
 //     return info;
 //   }
 //
@@ -125,8 +126,7 @@ class TPropertyTable {
   std::vector<TMethodEntry> Methods;
 };
 
-// -- Finding
-// -----------------------------------------------------------------------------------------------------------------
+// -- Finding ---------------------------------------------------------------------------------------------------------
 
 /// The property of that name, letter case ignored; null if the class publishes none.
 const TPropInfo* GetPropInfo(const TClass& type, std::string_view name);
@@ -152,8 +152,7 @@ class TPropRef {
   const TPropInfo* info_ = nullptr;
 };
 
-// -- Reading and writing
-// -------------------------------------------------------------------------------------------------------
+// -- Reading and writing ---------------------------------------------------------------------------------------------
 
 TPropValue GetPropValue(const TObject* object, const TPropRef& property);
 void SetPropValue(TObject* object, const TPropRef& property, const TPropValue& value);
@@ -177,8 +176,7 @@ void SetMethodProp(TObject* object, const TPropRef& property, const TAnyEvent& v
 Variant GetVariantProp(const TObject* object, const TPropRef& property);
 void SetVariantProp(TObject* object, const TPropRef& property, const Variant& value);
 
-// -- What a stream asks
-// ----------------------------------------------------------------------------------------------------------
+// -- What a stream asks ----------------------------------------------------------------------------------------------
 
 /// What the property's stored rule says of this object; true without one.
 bool IsStoredProp(const TObject* object, const TPropRef& property);
@@ -186,16 +184,14 @@ bool IsStoredProp(const TObject* object, const TPropRef& property);
 /// an ordinal never is.
 bool IsDefaultProp(const TObject* object, const TPropRef& property);
 
-// -- Handlers by name
-// ------------------------------------------------------------------------------------------------------------
+// -- Handlers by name ------------------------------------------------------------------------------------------------
 
 /// The object's published method of that name as a handler, letter case ignored; unassigned if there is none.
 TAnyEvent MethodAddress(TObject* object, std::string_view name);
 /// The name of the object's published method that `handler` calls on it; empty if it is none of these.
 std::string MethodName(TObject* object, const TAnyEvent& handler);
 
-// -- Building
-// --------------------------------------------------------------------------------------------------------------------
+// -- Building --------------------------------------------------------------------------------------------------------
 
 namespace published {
 
@@ -345,8 +341,7 @@ class TClassBuilder {
     return *this;
   }
 
-  // -- Said of the property just named
-  // -----------------------------------------------------------------------------------------
+  // -- Said of the property just named -------------------------------------------------------------------------------
   /// A value of the property's type.
   template <class V>
   TClassBuilder& Default(const V& value) {
@@ -389,8 +384,7 @@ class TClassBuilder {
     return *this;
   }
 
-  // -- Said of the class
-  // ---------------------------------------------------------------------------------------------------------
+  // -- Said of the class ---------------------------------------------------------------------------------------------
   /// A method that may serve as a handler, known by name.
   template <class R, class C, class... Args>
   TClassBuilder& Method(std::string name, R (C::*method)(Args...)) {

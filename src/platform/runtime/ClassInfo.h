@@ -1,15 +1,15 @@
 // ClassInfo.h: what a class tells of itself while the program runs.
 //
-// Each class has one TClass, built at its first use and never freed: name, ancestor, factory, and (given by the floor above) its
-// published properties. A class answers it twice: StaticClass() of the class, ClassType() of an object.
+// Each class has one TClass, built at its first use and never freed: name, ancestor, factory, and (given by the floor
+// above) its published properties. A class answers it twice: StaticClass() of the class, ClassType() of an object.
 //
 //   const TClass& TRule::StaticClass() {
 //     static const TClass info("TRule", &TPersistent::StaticClass());
 //     return info;
 //   }
 //
-// TClassOf<Base> is a value that stands for "Base or a class derived from it" and makes objects of it; it is what other systems
-// call a class reference. Base says which arguments its constructors take:
+// TClassOf<Base> is a value that stands for "Base or a class derived from it" and makes objects of it; it is what other
+// systems call a class reference. Base says which arguments its constructors take:
 //
 //   class TShape : public TObject { public: using TClassArguments = TArguments<TBoard*, int>; … };
 //   TClassOf<TShape> wanted = TClassOf<TShape>::Of<TCircle>();

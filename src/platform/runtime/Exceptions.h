@@ -1,7 +1,7 @@
 // Exceptions.h: the root of all errors, and the platform's own classes.
 //
-// Every error of the system is an Exception: a message for a person, and a help context. A unit that tells its failures apart
-// derives its own class; a class needs no more than a name and the inherited constructor.
+// Every error of the system is an Exception: a message for a person, and a help context. A unit that tells its failures
+// apart derives its own class; a class needs no more than a name and the inherited constructor.
 //
 //   throw EListError("List index out of bounds (5)");
 //

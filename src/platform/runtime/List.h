@@ -28,7 +28,7 @@ class TList : public TObject {
   static const TClass& StaticClass();
   const TClass& ClassType() const override { return StaticClass(); }
 
-  // -- Reading -------------------------------------------------------------------------------------------------------------
+  // -- Reading --------------------------------------------------------------------------------------------------------
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.size()); }
   void* Items(std::int32_t index) const {
     CheckIndex(index);
@@ -39,7 +39,7 @@ class TList : public TObject {
   /// Position of the first occurrence; -1 if there is none.
   std::int32_t IndexOf(const void* item) const;
 
-  // -- Changing ------------------------------------------------------------------------------------------------------------
+  // -- Changing -------------------------------------------------------------------------------------------------------
   /// Appends and answers the position.
   std::int32_t Add(void* item) {
     items_.push_back(item);
@@ -62,7 +62,7 @@ class TList : public TObject {
   /// Makes room ahead. Below Count, or negative, raises EListError.
   void SetCapacity(std::int32_t capacity);
 
-  // -- Whole runs, for sorting and walking -----------------------------------------------------------------------------------
+  // -- Whole runs, for sorting and walking ----------------------------------------------------------------------------
   /// The items as an array of Count pointers; any change of the list's length ends its validity.
   void** Data() { return items_.data(); }
   void* const* Data() const { return items_.data(); }

@@ -1,9 +1,9 @@
 // Object.h: the root of all classes, and how objects are made, freed and told apart.
 //
-// Objects live on the heap and are not copied. Two steps make one: the C++ constructor, which only makes members, and the virtual
-// AfterConstruction(), where overridables may be called. Free() ends one in three: BeforeDestruction() may refuse by an exception,
-// and the object is then still whole; TearDown() runs what a class does at its end, derived to base; then the memory goes.
-// C++ destructors only release memory, and never throw.
+// Objects live on the heap and are not copied. Two steps make one: the C++ constructor, which only makes members, and
+// the virtual AfterConstruction(), where overridables may be called. Free() ends one in three: BeforeDestruction() may
+// refuse by an exception, and the object is then still whole; TearDown() runs what a class does at its end, derived to
+// base; then the memory goes. C++ destructors only release memory, and never throw.
 //
 //   TOwned<TVXRAMTable> table = Make<TVXRAMTable>(nullptr);   // freed by the handle
 //   TVXRAMTable* other = New<TVXRAMTable>(form);              // freed by its owner, the form
@@ -33,7 +33,7 @@ class TObject {
   const std::string& ClassName() const { return ClassType().Name(); }
   bool InheritsFrom(const TClass& other) const { return ClassType().InheritsFrom(other); }
 
-  // -- Life ----------------------------------------------------------------------------------------------------------------
+  // -- Life -----------------------------------------------------------------------------------------------------------
   /// Runs once, when the whole object is constructed. If it raises, the object is taken down and never handed out.
   virtual void AfterConstruction() {}
   /// The last chance to refuse; after an exception from here the object is whole and still its owner's.
