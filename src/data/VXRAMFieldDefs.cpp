@@ -143,11 +143,6 @@ void TVXRAMFieldDefs::Set_Item(std::int32_t index, const TVXRAMFieldDef* value) 
   item.name_ = original.name_;
 }
 
-const std::vector<TVXRAMFieldSlot>& TVXRAMFieldDefs::Get_Slots() const {
-  if (!layoutIsKnown_) ComputeLayout();
-  return slots_;
-}
-
 std::int32_t TVXRAMFieldDefs::Get_RecSize() const {
   if (!layoutIsKnown_) ComputeLayout();
   return recSize_;

@@ -111,7 +111,10 @@ class TVXRAMFieldDefs : public TCollection {
 
   // -- Layout ---------------------------------------------------------------------------------------------------------
   /// One slot a field, in order. O(1) between changes.
-  const std::vector<TVXRAMFieldSlot>& Get_Slots() const;
+  const std::vector<TVXRAMFieldSlot>& Get_Slots() const {
+    if (!layoutIsKnown_) ComputeLayout();
+    return slots_;
+  }
   /// Bytes of a row.
   std::int32_t Get_RecSize() const;
   /// Raises ERAMTableError that names the field if a size is negative or the row would be longer than 2^31 - 1 bytes.

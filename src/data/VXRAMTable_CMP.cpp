@@ -280,8 +280,7 @@ std::int32_t TVXRAMTable::AddRecord(std::int32_t index, std::int32_t& recordId) 
   return result;
 }
 
-void TVXRAMTable::CheckFieldType(std::int32_t field, const TVXFieldStruct& element) const {
-  if (element.FieldType == fieldDefs_->Get_Slots()[static_cast<std::size_t>(field)].type) return;
+void TVXRAMTable::RaiseMismatch() {
   throw Exception(
       "DEVELOPPER NOTE: Mismatch between ARecordStruct.FieldArrayPtr^[ VI ].FieldType and FFieldDefs[ VI ].DataType.");
 }
@@ -289,7 +288,7 @@ void TVXRAMTable::CheckFieldType(std::int32_t field, const TVXFieldStruct& eleme
 void TVXRAMTable::StoreField(TVXRAMRow* row, std::int32_t field, const TVXFieldStruct& element) {
   CheckFieldType(field, element);
   const TVXRAMFieldSlot& slot = fieldDefs_->Get_Slots()[static_cast<std::size_t>(field)];
-  WritableSlot(row, field);
+  if (!RowTakes(row, slot)) RaiseNoRoom(row, field);
   std::uint8_t* const value = RowBytes(row) + slot.valueOffset;
   const auto size = static_cast<std::size_t>(slot.size);
   RowBytes(row)[slot.statusOffset] = element.IsNull ? vxfsNull : vxfsAssigned;
@@ -398,10 +397,13 @@ TVXRAMFieldSlot TVXRAMTable::Slot(std::int32_t field) const {
 
 TVXRAMFieldSlot TVXRAMTable::WritableSlot(const TVXRAMRow* row, std::int32_t field) const {
   const TVXRAMFieldSlot slot = Slot(field);
-  if (!RowTakes(NeedRow(row), slot))
-    throw ERAMTableError("Record " + std::to_string(RowId(row)) + " is older than field '" +
-                         fieldDefs_->Get_Item(field)->GetDisplayName() + "' and has no room for it.");
+  if (!RowTakes(NeedRow(row), slot)) RaiseNoRoom(row, field);
   return slot;
+}
+
+void TVXRAMTable::RaiseNoRoom(const TVXRAMRow* row, std::int32_t field) const {
+  throw ERAMTableError("Record " + std::to_string(RowId(row)) + " is older than field '" +
+                       fieldDefs_->Get_Item(field)->GetDisplayName() + "' and has no room for it.");
 }
 
 TVXRAMRow* TVXRAMTable::InternalAllocRecordBuffer() {
@@ -472,6 +474,7 @@ void TVXRAMTable::InternalSetRecordId(TVXRAMRow* row, std::int32_t id) {
 
 void TVXRAMTable::TakeSortFields(const TVXStringParser& sortItems) {
   sortFields_.clear();
+  if (sortItems.GetCount() == 0) return;
   // Of a field that is named twice the first order counts, and its later places decide nothing any more.
   std::vector<bool> named(static_cast<std::size_t>(fieldDefs_->Count()));
   for (std::int32_t i = 0; i < sortItems.GetCount(); ++i) {

@@ -195,7 +195,9 @@ class TVXRAMTable : public TComponent {
 
   // -- For cursors and indexes
   /// Raises if the element's type isn't the definition's.
-  void CheckFieldType(std::int32_t field, const TVXFieldStruct& element) const;
+  void CheckFieldType(std::int32_t field, const TVXFieldStruct& element) const {
+    if (element.FieldType != fieldDefs_->Get_Slots()[static_cast<std::size_t>(field)].type) RaiseMismatch();
+  }
   /// Copies an element of a record structure into a row, after CheckFieldType.
   void StoreField(TVXRAMRow* row, std::int32_t field, const TVXFieldStruct& element);
   /// Rebuilds every user index in definition order.
@@ -224,11 +226,15 @@ class TVXRAMTable : public TComponent {
   // -- Within
   TVXRAMFieldSlot Slot(std::int32_t field) const;
   TVXRAMFieldSlot WritableSlot(const TVXRAMRow* row, std::int32_t field) const;
+  [[noreturn]] void RaiseNoRoom(const TVXRAMRow* row, std::int32_t field) const;
+  [[noreturn]] static void RaiseMismatch();
   std::int32_t CompareSortField(const TVXRAMRow* first, const TVXRAMRow* second, TVXRAMFieldType type) const;
   std::int32_t ReleaseAll(TVXList& rows);
   bool IsNamed(const TVXRAMRow* row) const;
   template <class News>
   void TellCursors(const News& tell);
+  /// Something waits for the end of the outermost operation.
+  bool HasMoreToDo() const { return !droppedRows_.empty() || !waiting_.empty() || released_; }
   void EndOperation();
   void ReleaseDroppedRows();
   /// Raises EInvalidOperation if notifications have led to notifications too often.
@@ -264,7 +270,12 @@ class TTableOperation {
   explicit TTableOperation(TVXRAMTable& table) : table_(table) { ++table_.operations_; }
   TTableOperation(const TTableOperation&) = delete;
   TTableOperation& operator=(const TTableOperation&) = delete;
-  ~TTableOperation() { table_.EndOperation(); }
+  ~TTableOperation() {
+    if (table_.operations_ > 1 || table_.HasMoreToDo())
+      table_.EndOperation();
+    else
+      --table_.operations_;
+  }
 
  private:
   TVXRAMTable& table_;

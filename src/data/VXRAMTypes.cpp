@@ -37,9 +37,8 @@ bool TVXFieldStruct::AssignText(std::string_view text) {
   return fitting.size() == text.size();
 }
 
-TVXFieldStruct& TVXRecordStruct::Field(std::int32_t index) const {
-  if (index < 0 || index >= ElementCount) throw ENilAccess("record structure has no field " + std::to_string(index));
-  return *FieldArrayPtr[index];
+void TVXRecordStruct::RaiseNoField(std::int32_t index) {
+  throw ENilAccess("record structure has no field " + std::to_string(index));
 }
 
 void TFreeRecordStruct::operator()(TVXRecordStruct* record) const noexcept {

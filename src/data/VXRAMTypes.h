@@ -102,7 +102,14 @@ struct TVXRecordStruct {
   std::int32_t ElementCount = 0;             ///< how many elements there are; not to be written
 
   /// The element of a field; outside 0 to ElementCount - 1 raises ENilAccess.
-  TVXFieldStruct& Field(std::int32_t index) const;
+  TVXFieldStruct& Field(std::int32_t index) const {
+    if (index < 0 || index >= ElementCount || FieldArrayPtr == nullptr || FieldArrayPtr[index] == nullptr)
+      RaiseNoField(index);
+    return *FieldArrayPtr[index];
+  }
+
+ private:
+  [[noreturn]] static void RaiseNoField(std::int32_t index);
 };
 
 /// Releases a record structure with all its elements and buffers.
