@@ -22,13 +22,7 @@ int main() {
   TVXRAMCursorDesc wish(nullptr, -1, vxrcoAscending, /*sortedField=*/"Hours.D", nullptr, Variant());
   TVXRAMCursor* cursor = nullptr;
   table->OpenCursor(nullptr, &wish, cursor);
-  for (cursor->GoToFirstRec(); cursor->GoToNextRec() == kDone;) {
-    char task[20];
-    std::int32_t hours = 0, size = sizeof task;
-    bool isNull = false;
-    cursor->GetFieldValue(0, task, size, isNull);
-    cursor->GetFieldValue(1, &hours, size = sizeof hours, isNull);
-    std::cout << task << " takes " << hours << " hours\n";
-  }
+  for (cursor->GoToFirstRec(); cursor->GoToNextRec() == kDone;)
+    std::cout << cursor->Get_Value(0).AsString() << " takes " << cursor->Get_Value(1).AsInteger() << " hours\n";
   table->CloseCursor(cursor);
 }
