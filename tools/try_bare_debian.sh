@@ -8,14 +8,15 @@ top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 [[ $(id -u) -eq 0 ]] || { echo "needs root: sudo $0" >&2; exit 1; }
 command -v mmdebstrap >/dev/null || { echo "needs mmdebstrap: apt-get install mmdebstrap" >&2; exit 1; }
 
-root=${1:-$(mktemp -d)}
+keep=${1:-}
+root=${keep:-$(mktemp -d)}
 mkdir -p "$root"
 chmod 755 "$root"
 leave() {
   umount -R -l "$root/dev" "$root/proc" 2>/dev/null || true
-  if [[ -z ${1:-} ]]; then rm -rf --one-file-system "$root"; fi
+  if [[ -z $keep ]]; then rm -rf --one-file-system "$root"; fi
 }
-trap 'leave "${1:-}"' EXIT
+trap leave EXIT
 
 times=()
 timed() { # timed NAME COMMAND...: runs the command and notes how long it took
@@ -29,9 +30,9 @@ timed() { # timed NAME COMMAND...: runs the command and notes how long it took
 make_root() {
   local sources=()
   mapfile -t sources < <(find /etc/apt/sources.list /etc/apt/sources.list.d -type f -size +0 \
-    \( -name '*.list' -o -name '*.sources' \) | sort)
+    \( -name '*.list' -o -name '*.sources' \) 2>/dev/null | sort)
   mmdebstrap --quiet --variant=minbase bookworm "$root" "${sources[@]}"
-  grep -lrs Proxy /etc/apt/apt.conf.d | xargs -r cp -t "$root/etc/apt/apt.conf.d"
+  { grep -lrs Proxy /etc/apt/apt.conf.d || true; } | xargs -r cp -t "$root/etc/apt/apt.conf.d"
   cp -L /etc/resolv.conf /etc/hosts "$root/etc/"
 }
 
