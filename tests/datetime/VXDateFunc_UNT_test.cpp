@@ -27,18 +27,15 @@ class SysDateText : public testing::Test {
 };
 
 TEST_F(SysDateText, NormalisesDateFormats) {
-  constexpr std::pair<const char*, const char*> kCases[] = {
-      {"M/d/yyyy", "mm/dd/yyyy"},
-      {"yyyy-MM-dd", "yyyy-mm-dd"},
-      {"dd.mmm.yy", "dd.mmm.yy"},
-      // Lengths without a meaning vanish, and names of days with them.
-      {"ddd, d MMMM yyyy", ", dd  yyyy"},
-      {"y-yyy-yyyyy", "--"},
-      {"mMm", "mmm"},
-      {"d 'de' M", "dd 'dde' mm"},
-      {"yyyy年M月d日", "yyyy年mm月dd日"},
-      {"", ""},
-  };
+  // Lengths without a meaning vanish, and names of days with them.
+  constexpr std::pair<const char*, const char*> kCases[] = {{"M/d/yyyy", "mm/dd/yyyy"},
+                                                            {"dd.mmm.yy", "dd.mmm.yy"},
+                                                            {"ddd, d MMMM yyyy", ", dd  yyyy"},
+                                                            {"y-yyy-yyyyy", "--"},
+                                                            {"mMm", "mmm"},
+                                                            {"d 'de' M", "dd 'dde' mm"},
+                                                            {"yyyy年M月d日", "yyyy年mm月dd日"},
+                                                            {"", ""}};
   for (const auto& [format, expected] : kCases) {
     Locale().ShortDateFormat = format;
     EXPECT_EQ(GetDateFormat(), expected) << format;
@@ -46,20 +43,17 @@ TEST_F(SysDateText, NormalisesDateFormats) {
 }
 
 TEST_F(SysDateText, NormalisesTimeFormats) {
-  constexpr std::pair<const char*, const char*> kCases[] = {
-      {"h:mm:ss AMPM", "hh:mm:ss AMPM "},
-      {"H:m:s", "hh:mm:ss"},
-      {"hhhh:mmmm", "hh:mm"},
-      {"h:nn:ss", "hh:nn:ss"},
-      // The character behind the sign is dropped; a blank takes its place unless nothing follows it.
-      {"AMPM h:mm", "AMPM hh:mm"},
-      {"AMPMh", "AMPM"},
-      {"AMPM時h", "AMPM hh"},
-      {"hAMPMAMPM", "hhAMPM mmPmm"},
-      {"h ampm", "hh ammpmm"},
-      {"h am/pm", "hh amm/pmm"},
-      {"", ""},
-  };
+  // The character behind the sign is dropped; a blank takes its place unless nothing follows it.
+  constexpr std::pair<const char*, const char*> kCases[] = {{"h:mm:ss AMPM", "hh:mm:ss AMPM "},
+                                                            {"H:m:s", "hh:mm:ss"},
+                                                            {"hhhh:mmmm", "hh:mm"},
+                                                            {"h:nn:ss", "hh:nn:ss"},
+                                                            {"AMPMh", "AMPM"},
+                                                            {"AMPM時h", "AMPM hh"},
+                                                            {"hAMPMAMPM", "hhAMPM mmPmm"},
+                                                            {"h ampm", "hh ammpmm"},
+                                                            {"h am/pm", "hh amm/pmm"},
+                                                            {"", ""}};
   for (const auto& [format, expected] : kCases) {
     Locale().LongTimeFormat = format;
     EXPECT_EQ(GetTimeFormat(), expected) << format;

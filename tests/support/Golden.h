@@ -16,8 +16,4 @@ namespace vx::test {
 
 testing::AssertionResult MatchesGolden(const std::string& name, std::string_view text);
 
-/// The first lines in which two texts differ, numbered, "-" for the wanted and "+" for the given; empty if they are
-/// equal.
-std::string FirstDifferences(std::string_view wanted, std::string_view given);
-
 }  // namespace vx::test

@@ -25,36 +25,25 @@ std::string Read(std::string_view text, char separator = ',', TCsvLimits limits 
   }
 }
 
-struct TCsvCase {
-  const char* name;
-  std::string text;
-  std::string expected;
-};
-
-const TCsvCase kCsvCases[] = {
-    {"Nothing", "", ""},
-    {"OnlyLineEnds", "\n\r\n\r", ""},
-    {"NoLastLineEnd", "a,b\nc,d", "1: a|b\n2: c|d\n"},
-    {"EveryLineEnd", "a\nb\r\nc\rd\n", "1: a\n2: b\n3: c\n4: d\n"},
-    {"EmptyLinesAreNoRecords", "a,b\n\n\nc,d\n", "1: a|b\n4: c|d\n"},
-    {"EmptyFields", ",\na,,b\n,,\n", "1: |\n2: a||b\n3: ||\n"},
-    {"BlanksBelong", " a , b \n", "1:  a | b \n"},
-    {"Quoted", "\"a,b\",\"\",\"c\"\n", "1: a,b||c\n"},
-    {"DoubledQuotes", "\"say \"\"hi\"\"\",\"\"\"\"\n", "1: say \"hi\"|\"\n"},
-    {"QuotedLineEndsCount", "\"a\r\nb\nc\",d\ne,f\n", "1: a\r\nb\nc|d\n4: e|f\n"},
-    {"QuoteInsideIsOrdinary", "5\" pipe,a\"b\"\n", "1: 5\" pipe|a\"b\"\n"},
-    {"TextBehindQuote", "a,\"b\"c\nd,e\n", "1: !1 text behind the closing quote\n2: d|e\n"},
-    // One unclosed quote costs its line; what follows is read as lines again.
-    {"UnclosedQuote", "a,b\nc,\"d\ne,f\ng,h\n", "1: a|b\n2: !1 a quote is opened and never closed\n3: e|f\n4: g|h\n"},
-    {"QuoteAtTheEnd", "a,\"", "1: !1 a quote is opened and never closed\n"},
-    {"ZeroByte", std::string("a,b\0c\nd,e\n", 10), "1: !1 a zero byte; is this a text file?\n2: d|e\n"},
-};
-
 TEST(CsvReader, ReadsEachKindOfRecord) {
-  for (const TCsvCase& each : kCsvCases) {
-    SCOPED_TRACE(each.name);
-    EXPECT_EQ(Read(each.text), each.expected);
-  }
+  const std::pair<std::string, const char*> cases[] = {
+      {"", ""},
+      {"\n\r\n\r", ""},
+      {"a\nb\r\nc\rd", "1: a\n2: b\n3: c\n4: d\n"},
+      {"a,b\n\n\nc,d\n", "1: a|b\n4: c|d\n"},
+      {",\na,,b\n,,\n", "1: |\n2: a||b\n3: ||\n"},
+      {" a , b \n", "1:  a | b \n"},
+      {"\"a,b\",\"\",\"c\"\n", "1: a,b||c\n"},
+      {"\"say \"\"hi\"\"\",\"\"\"\"\n", "1: say \"hi\"|\"\n"},
+      {"\"a\r\nb\nc\",d\ne,f\n", "1: a\r\nb\nc|d\n4: e|f\n"},
+      {"5\" pipe,a\"b\"\n", "1: 5\" pipe|a\"b\"\n"},
+      {"a,\"b\"c\nd,e\n", "1: !1 text behind the closing quote\n2: d|e\n"},
+      // One unclosed quote costs its line; what follows is read as lines again.
+      {"a,b\nc,\"d\ne,f\ng,h\n", "1: a|b\n2: !1 a quote is opened and never closed\n3: e|f\n4: g|h\n"},
+      {"a,\"", "1: !1 a quote is opened and never closed\n"},
+      {std::string("a,b\0c\nd,e\n", 10), "1: !1 a zero byte; is this a text file?\n2: d|e\n"},
+  };
+  for (const auto& [text, expected] : cases) EXPECT_EQ(Read(text), expected) << testing::PrintToString(text);
 }
 
 TEST(CsvReader, HoldsItsLimitsToTheByte) {
@@ -119,26 +108,18 @@ TEST(CsvReader, ReadsBackWhatWasQuoted) {
   }
 }
 
-struct TSeparatorCase {
-  const char* text;
-  char expected;
-};
-
 TEST(CsvSeparator, IsFoundOut) {
-  const TSeparatorCase cases[] = {
-      {"", ','},
-      {"one column\nof words\n", ','},
-      {"a,b\n1,2\n", ','},
-      {"a;b\n1,5;2,5\n", ';'},
-      {"a\tb\n1\t2\n", '\t'},
-      {"a|b\n1|2\n", '|'},
-      {"1,5;2,5\n3,5;4,5\n", ';'},                   // decimal commas all over
-      {"a,b\n\"x;y\",1\n\"p;q\",2\n", ','},          // quoted, so not separating
-      {"city,note; remark\nRome,x\nOslo,y\n", ','},  // only the header has it
-      {"a,b,c;d\n", ','},
-      {"a;b;c\n\"1;2;3\n", ';'},  // the quote is told when the file is read
-  };
-  for (const auto& [text, expected] : cases) EXPECT_EQ(DetectSeparator(text), expected) << text;
+  constexpr std::pair<char, std::string_view> kCases[] = {{',', ""},
+                                                          {',', "one column\nof words\n"},
+                                                          {',', "a,b\n1,2\n"},
+                                                          {'\t', "a\tb\n1\t2\n"},
+                                                          {'|', "a|b\n1|2\n"},
+                                                          {',', "a,b,c;d\n"},
+                                                          {';', "1,5;2,5\n3,5;4,5\n"}};  // decimal commas all over
+  for (const auto& [expected, text] : kCases) EXPECT_EQ(DetectSeparator(text), expected) << text;
+  EXPECT_EQ(DetectSeparator("a,b\n\"x;y\",1\n\"p;q\",2\n"), ',') << "quoted, so not separating";
+  EXPECT_EQ(DetectSeparator("city,note; remark\nRome,x\nOslo,y\n"), ',') << "only the header has it";
+  EXPECT_EQ(DetectSeparator("a;b;c\n\"1;2;3\n"), ';') << "the quote is told when the file is read";
 }
 
 }  // namespace

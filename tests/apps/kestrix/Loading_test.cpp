@@ -9,43 +9,38 @@
 namespace vx::kestrix {
 namespace {
 
+std::string ReplaceAll(std::string text, std::string_view from, std::string_view to) {
+  for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size())
+    text.replace(at, from.size(), to);
+  return text;
+}
+
 struct TEncodingCase {
   const char* name;
   std::string bytes;
-  std::string text;
-  std::string remark;  // its beginning; empty for none
+  const char* text;         // "?" for the sign of what can't be shown
+  std::string remark = {};  // its beginning; empty for none
   std::size_t line = 0;
 };
 
 TEST(Encoding, KeepsEveryTextReadable) {
   using namespace std::string_literals;
   const TEncodingCase cases[] = {
-      {"plain", "a,\xC3\xA9", "a,é", ""},
-      {"mark",
-       "\xEF\xBB\xBF"
-       "a",
-       "a", ""},
-      {"mark alone", "\xEF\xBB\xBF", "", ""},
+      {"plain", "x,\xC3\xA9", "x,é"},
+      {"mark", "\xEF\xBB\xBFx", "x"},
+      {"mark alone", "\xEF\xBB\xBF", ""},
       {"Latin-1", "a\nS\xE3o \x80 \x93x\x94\n", "a\nSão € “x”\n", "not UTF-8", 2},
-      {"no such letter", "\x81", "\xEF\xBF\xBD", "not UTF-8", 1},
-      {"both", "\xC3\xA9\n\nb\xE9\xC3", "é\n\nb\xEF\xBF\xBD\xEF\xBF\xBD", "broken UTF-8", 3},
-      {"surrogate in UTF-8", "\xC3\xA9\xED\xA0\x80", "é\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD", "broken UTF-8", 1},
-      {"UTF-16 low byte first",
-       "\xFF\xFE"
-       "a\0\xE9\0\x3D\xD8\0\xDE"s,
-       "aé😀", ""},
-      {"UTF-16 high byte first", "\xFE\xFF\0a\0\xE9"s, "aé", ""},
-      {"lone surrogates, odd size",
-       "\xFF\xFE\0\xDC\x3D\xD8"
-       "a\0b"s,
-       "\xEF\xBF\xBD\xEF\xBF\xBD"
-       "a\xEF\xBF\xBD",
-       ""},
+      {"no such letter", "\x81", "?", "not UTF-8", 1},
+      {"both", "\xC3\xA9\n\nx\xE9\xC3", "é\n\nx??", "broken UTF-8", 3},
+      {"surrogate in UTF-8", "\xC3\xA9\xED\xA0\x80", "é???", "broken UTF-8", 1},
+      {"UTF-16 low byte first", "\xFF\xFEx\0\xE9\0\x3D\xD8\0\xDE"s, "xé😀"},
+      {"UTF-16 high byte first", "\xFE\xFF\0x\0\xE9"s, "xé"},
+      {"lone surrogates, odd size", "\xFF\xFE\0\xDC\x3D\xD8x\0y"s, "??x?"},
   };
   for (const TEncodingCase& each : cases) {
     SCOPED_TRACE(each.name);
     const TDecodedText decoded = DecodeText(each.bytes);
-    EXPECT_EQ(decoded.text, each.text);
+    EXPECT_EQ(ReplaceAll(decoded.text, "\xEF\xBF\xBD", "?"), each.text);
     EXPECT_EQ(decoded.remark.substr(0, each.remark.size()), each.remark);
     EXPECT_EQ(decoded.remark.empty(), each.remark.empty());
     EXPECT_EQ(decoded.line, each.line);
@@ -82,68 +77,48 @@ TEST(Suggest, NamesTheNearest) {
 
 struct TLoadCase {
   const char* name;
-  std::vector<std::string> options;
+  std::string options;
   std::string input;
   std::string expected;  // csv output, then what was said
 };
 
-std::string Loaded(const TLoadCase& each) {
-  std::vector<std::string> arguments = {"table", "--format", "csv"};
-  arguments.insert(arguments.end(), each.options.begin(), each.options.end());
-  const TRun run = RunProgram(arguments, each.input);
-  return run.out + run.err;
-}
+constexpr const char* kNoHeader =
+    "kestrix: standard input:1: no header line found; the columns are called \"Column 1\" and so on\n";
 
 TEST(Loading, TurnsTextIntoValuesAndBack) {
   const TLoadCase cases[] = {
-      {"types",
-       {},
-       "b,i,f,d,t,s\nYES,+1,.50,1.2.2015,2015-01-02 3:04,x\nno,-,NA,,-, \n",
+      {"types", "", "b,i,f,d,t,s\nYES,+1,.50,1.2.2015,2015-01-02 3:04,x\nno,-,NA,,-, \n",
        "b,i,f,d,t,s\nTrue,1,0.5,2015-02-01,2015-01-02 03:04:00,x\nFalse,,,,,\n"},
-      {"codes stay text", {}, "a,b\n007,2147483648\n12,1\n", "a,b\n007,2147483648\n12,1\n"},
-      {"text keeps its blanks and words", {}, "a,b\n x , - \n-,NA\n", "a,b\n x , - \n-,NA\n"},
-      {"semicolons and decimal commas", {}, "a;b\n1,5;x\n-2,25;y\n", "a,b\n1.5,x\n-2.25,y\n"},
+      {"codes stay text", "", "a,b\n007,2147483648\n12,1\n", "a,b\n007,2147483648\n12,1\n"},
+      {"text keeps its blanks and words", "", "a,b\n x , - \n-,NA\n", "a,b\n x , - \n-,NA\n"},
+      {"semicolons and decimal commas", "", "a;b\n1,5;x\n-2,25;y\n", "a,b\n1.5,x\n-2.25,y\n"},
       // The file writes commas; a point is no decimal one then.
-      {"one way of writing numbers", {}, "a;b\n1,5;1.234\n", "a,b\n1.5,1.234\n"},
-      {"decimal by wish", {"--decimal", ","}, "a,b\n\"1,5\",2\n", "a,b\n1.5,2\n"},
-      {"quotes where needed", {}, "a\t\"b\"\n\"x,\"\"y\"\t\"1\n2\"\n=1+1\t\n", "a,b\n\"x,\"\"y\",\"1\n2\"\n=1+1,\n"},
-      {"one empty column", {}, "a\nx\n\"\"\n", "a\nx\n\"\"\n"},
-      {"header only", {}, "a,b\n", "a,b\n"},
-      {"header of words over words", {}, "a,b\nx,y\n", "a,b\nx,y\n"},
-      {"no header",
-       {},
-       "1,x\n2,y\n",
-       "Column 1,Column 2\n1,x\n2,y\nkestrix: standard input:1: no header line found; the columns are called \"Column "
-       "1\" and so on\n"},
-      {"null in the first line is no header",
-       {},
-       "1,-\n2,5\n",
-       "Column 1,Column 2\n1,\n2,5\nkestrix: standard input:1: no header line found; the columns are called \"Column "
-       "1\" and so on\n"},
-      {"header by wish", {"--header", "yes"}, "Region,2015\nN,1\n", "Region,2015\nN,1\n"},
-      {"null words by wish", {"--null", "?", "--null", "none"}, "a\n1\n?\nnone\n", "a\n1\n\"\"\n\"\"\n"},
-      {"type by wish", {"--type", "Order ID=string", "--type", "b=float"}, "Order ID,b\n7,1\n", "Order ID,b\n7,1\n"},
-      {"open dates",
-       {},
-       "d\n03/04/2015\n",
+      {"one way of writing numbers", "", "a;b\n1,5;1.234\n", "a,b\n1.5,1.234\n"},
+      {"decimal by wish", "--decimal ,", "a,b\n\"1,5\",2\n", "a,b\n1.5,2\n"},
+      {"quotes where needed", "", "a\t\"b\"\n\"x,\"\"y\"\t\"1\n2\"\n=1+1\t\n", "a,b\n\"x,\"\"y\",\"1\n2\"\n=1+1,\n"},
+      {"one empty column", "", "a\nx\n\"\"\n", "a\nx\n\"\"\n"},
+      {"header only", "", "a,b\n", "a,b\n"},
+      {"header of words over words", "", "a,b\nx,y\n", "a,b\nx,y\n"},
+      {"no header", "", "1,x\n2,y\n", std::string("Column 1,Column 2\n1,x\n2,y\n") + kNoHeader},
+      {"a null is no heading", "", "1,-\n2,5\n", std::string("Column 1,Column 2\n1,\n2,5\n") + kNoHeader},
+      {"header by wish", "--header yes", "Region,2015\nN,1\n", "Region,2015\nN,1\n"},
+      {"null words by wish", "--null ? --null none", "a\n1\n?\nnone\n", "a\n1\n\"\"\n\"\"\n"},
+      {"type by wish", "--type Order_ID=string --type b=float", "Order ID,b\n7,1\n", "Order ID,b\n7,1\n"},
+      {"open dates", "", "d\n03/04/2015\n",
        "d\n2015-04-03\nkestrix: standard input: column \"d\": day and month could be exchanged; read as day/month/year "
        "(--date-order mdy for the other)\n"},
-      {"dates that decide themselves", {}, "d\n03/04/2015\n04/13/2015\n", "d\n2015-03-04\n2015-04-13\n"},
-      {"date order by wish", {"--date-order", "mdy"}, "d\n03/04/2015\n", "d\n2015-03-04\n"},
-      {"broken UTF-8 is told once",
-       {},
-       "a\n\xC3\xA9\n\xFF\n\xFE\n",
+      {"dates that decide themselves", "", "d\n03/04/2015\n04/13/2015\n", "d\n2015-03-04\n2015-04-13\n"},
+      {"date order by wish", "--date-order mdy", "d\n03/04/2015\n", "d\n2015-03-04\n"},
+      {"broken UTF-8 is told once", "", "a\n\xC3\xA9\n\xFF\n\xFE\n",
        "a\né\n\xEF\xBF\xBD\n\xEF\xBF\xBD\nkestrix: standard input:3: broken UTF-8; the bytes that make no letter are "
        "shown as \xEF\xBF\xBD\n"},
-      {"bad records by wish",
-       {"--skip-bad", "--type", "a=integer"},
-       "a,b\n1,x\n2\nz,y\n3,\"y\n4,z\n",
+      {"bad records by wish", "--skip-bad --type a=integer", "a,b\n1,x\n2\nz,y\n3,\"y\n4,z\n",
        "a,b\n1,x\n4,z\nkestrix: 3 bad records left out; the first: standard input:3: column \"b\": the line has 1 "
        "value, but there are 2 columns\n"},
   };
   for (const TLoadCase& each : cases) {
-    SCOPED_TRACE(each.name);
-    EXPECT_EQ(Loaded(each), each.expected);
+    const TRun run = RunProgram(("table --format csv " + each.options).c_str(), each.input);
+    EXPECT_EQ(run.out + run.err, each.expected) << each.name;
   }
 }
 
@@ -154,106 +129,62 @@ TEST(Loading, TakesSeveralFilesOfTheSameColumns) {
   // The comma separates in one of them, so that it is no decimal one in either.
   EXPECT_EQ(RunProgram({"table", "--format", "csv", a, b}).out, "n,s\n1,x\n\"2,5\",y\n");
   EXPECT_EQ(RunProgram({"table", "--format", "csv", a, "-"}, "n,s\n4,y\n").out, "n,s\n1,x\n4,y\n");
-  EXPECT_EQ(RunProgram({"table", a, c}).err, "kestrix: " + c + ":1: the columns are not those of " + a + "\n");
+  const auto error = [&](const std::string& path) { return RunProgram({"table", a, path}).err; };
+  EXPECT_EQ(error(c), "kestrix: " + c + ":1: the columns are not those of " + a + "\n");
+  EXPECT_EQ(error(c + "x"), "kestrix: " + c + "x: cannot be read: No such file or directory\n");
+  EXPECT_EQ(error(folder.Path("")), "kestrix: " + folder.Path("") + ": is a directory\n");
 }
 
 struct TErrorCase {
-  const char* name;
-  std::vector<std::string> options;
+  const char* options;
   std::string input;
-  std::string expected;
+  const char* expected;
 };
 
 TEST(Loading, TellsWhatIsWrongInOneLine) {
-  const TErrorCase cases[] = {
-      {"empty", {}, "", "standard input: the file is empty"},
-      {"only line ends", {}, "\r\n\n", "standard input: the file is empty"},
-      {"too few",
-       {},
-       "a,b,c\n1,2,3\n1,2\n",
-       "standard input:3: column \"c\": the line has 2 values, but there are 3 columns"},
-      {"too many",
-       {},
-       "a,b\n1,2,3\n",
-       "standard input:2: column \"3\": the line has 3 values, but there are 2 columns"},
-      {"wrong type",
-       {"--type", "a=integer"},
-       "a,b\n1,2\nx\ty,3\n",
-       "standard input:3: column \"a\": \"x␉y\" is not an integer of 32 bits"},
-      {"wrong date",
-       {"--type", "a=date"},
-       "a,b\n30.2.2015,1\n",
-       "standard input:2: column \"a\": \"30.2.2015\" is not a date"},
-      {"wrong number",
-       {"--type", "a=float"},
-       "a,b\n1.5,1\n1.5.2,1\n",
-       "standard input:3: column \"a\": \"1.5.2\" is not a number"},
-      {"wrong Boolean",
-       {"--type", "a=boolean"},
-       "a,b\n1,1\n",
-       "standard input:2: column \"a\": \"1\" is not true or false"},
-      {"line behind a field of two lines",
-       {"--type", "b=date"},
-       "a,b\n\"x\ny\",1.1.2015\nz,q\n",
-       "standard input:4: column \"b\": \"q\" is not a date"},
-      {"unclosed quote", {}, "a,b\n1,\"2\n", "standard input:2: column \"b\": a quote is opened and never closed"},
-      {"zero byte",
-       {},
-       std::string("a,b\n1,\0\n", 8),
-       "standard input:2: column \"b\": a zero byte; is this a text file?"},
-      {"long value",
-       {},
-       "a,b\n1," + std::string(65537, 'x'),
-       "standard input:2: column \"b\": a value longer than 65536 bytes"},
-      {"long header",
-       {},
-       std::string(20000, ','),
-       "standard input:1: column \"16385\": more than 16384 values in one line"},
-      {"memory",
-       {"--memory", "1"},
-       "n,text\n1,x\n2," + std::string(60000, 'y') +
-           [] {
-             std::string lines = "\n";
-             for (int i = 0; i < 30; ++i) lines += "3,z\n";
-             return lines;
-           }(),
-       "standard input:19: column \"text\": from here on the table would need more than 1 MiB (2 MiB in all, 60012 "
-       "bytes a row, longest value on line 3; see --memory)"},
-      {"unknown column of a type",
-       {"--type", "Ordr=string"},
-       "Order,b\n1,2\n",
-       "no column \"Ordr\"; did you mean \"Order\"?"},
-      {"unknown type",
-       {"--type", "a=number"},
-       "a\n1\n",
-       "no type \"number\"; there are boolean, integer, float, date, datetime and string"},
-      {"separator", {"--separator", "ab"}, "a\n", "--separator \"ab\" should be one character, or \"tab\""},
+  std::string manyLines;
+  for (int i = 0; i < 30; ++i) manyLines += "\n3,z";
+  const TErrorCase places[] = {
+      // what is wrong with the input
+      {"", "", ": the file is empty"},
+      {"", "\r\n\n", ": the file is empty"},
+      {"", "a,b,c\n1,2,3\n1,2\n", ":3: column \"c\": the line has 2 values, but there are 3 columns"},
+      {"", "a,b\n1,2,3\n", ":2: column \"3\": the line has 3 values, but there are 2 columns"},
+      {"--type a=integer", "a,b\n1,2\nx\ty,3\n", ":3: column \"a\": \"x␉y\" is not an integer of 32 bits"},
+      {"--type a=date", "a,b\n30.2.2015,1\n", ":2: column \"a\": \"30.2.2015\" is not a date"},
+      {"--type a=float", "a,b\n1.5,1\n1.5.2,1\n", ":3: column \"a\": \"1.5.2\" is not a number"},
+      {"--type a=boolean", "a,b\n1,1\n", ":2: column \"a\": \"1\" is not true or false"},
+      {"--type b=date", "a,b\n\"x\ny\",1.1.2015\nz,q\n", ":4: column \"b\": \"q\" is not a date"},
+      {"", "a,b\n1,\"2\n", ":2: column \"b\": a quote is opened and never closed"},
+      {"", std::string("a,b\n1,\0\n", 8), ":2: column \"b\": a zero byte; is this a text file?"},
+      {"", "a,b\n1," + std::string(65537, 'x'), ":2: column \"b\": a value longer than 65536 bytes"},
+      {"", std::string(20000, ','), ":1: column \"16385\": more than 16384 values in one line"},
+      {"--memory 1", "n,text\n1,x\n2," + std::string(60000, 'y') + manyLines + "\n",
+       ":19: column \"text\": from here on the table would need more than 1 MiB (2 MiB in all, 60012 bytes a row, "
+       "longest value on line 3; see --memory)"},
   };
-  for (const TErrorCase& each : cases) {
-    SCOPED_TRACE(each.name);
-    std::vector<std::string> arguments = {"table"};
-    arguments.insert(arguments.end(), each.options.begin(), each.options.end());
-    const TRun run = RunProgram(arguments, each.input);
-    EXPECT_EQ(run.err, "kestrix: " + each.expected + "\n");
+  const TErrorCase wishes[] = {
+      {"--type Ordr=string", "Order,b\n1,2\n", "no column \"Ordr\"; did you mean \"Order\"?"},
+      {"--type a=number", "a\n1\n", "no type \"number\"; there are boolean, integer, float, date, datetime and string"},
+      {"--separator ab", "a\n", "--separator \"ab\" should be one character, or \"tab\""},
+  };
+  const auto expectError = [](const TErrorCase& each, const std::string& expected) {
+    const TRun run = RunProgram((std::string("table ") + each.options).c_str(), each.input);
+    EXPECT_EQ(run.err, "kestrix: " + expected + "\n");
     EXPECT_EQ(run.out, "");
     EXPECT_EQ(run.code, kUserError);
-  }
-}
-
-TEST(Loading, TellsWhichFileCannotBeRead) {
-  const TTestFolder folder;
-  EXPECT_EQ(RunProgram({"table", folder.Path("none.csv")}).err,
-            "kestrix: " + folder.Path("none.csv") + ": cannot be read: No such file or directory\n");
-  EXPECT_EQ(RunProgram({"table", folder.Path("")}).err, "kestrix: " + folder.Path("") + ": is a directory\n");
+  };
+  for (const TErrorCase& each : places) expectError(each, std::string("standard input") + each.expected);
+  for (const TErrorCase& each : wishes) expectError(each, each.expected);
 }
 
 // What comes out must go in again and come out the same, whatever the cells hold.
 TEST(Loading, ReadsItsOwnOutput) {
   const std::string nasty = "a;b;c\n\"x\r\ny\";\"q\"\"q\";1,5\n=1+1;-;2\n  z ;\"a;b\";\n";
-  const std::string once = RunProgram({"table", "--format", "csv"}, nasty).out;
-  EXPECT_EQ(RunProgram({"table", "--format", "csv"}, once).out, once);
-  const std::string tabs = RunProgram({"table", "--format", "tsv"}, nasty).out;
-  EXPECT_EQ(RunProgram({"table", "--format", "csv"}, tabs).out, once);
+  const std::string once = RunProgram("table --format csv", nasty).out;
+  EXPECT_EQ(RunProgram("table --format csv", once).out, once);
+  const std::string tabs = RunProgram("table --format tsv", nasty).out;
+  EXPECT_EQ(RunProgram("table --format csv", tabs).out, once);
 }
 
 TEST(Loading, StandsTenThousandColumns) {
@@ -262,9 +193,7 @@ TEST(Loading, StandsTenThousandColumns) {
     names += (i > 0 ? ",c" : "c") + std::to_string(i);
     values += i > 0 ? ",1" : "1";
   }
-  EXPECT_EQ(RunProgram({"table", "--columns", "c9999", "--sort", "c5000.D;c1", "--where", "c7=1"},
-                       names + "\n" + values + "\n")
-                .out,
+  EXPECT_EQ(RunProgram("table --columns c9999 --sort c5000.D;c1 --where c7=1", names + "\n" + values + "\n").out,
             "c9999\n-----\n    1\n");
 }
 
@@ -273,9 +202,7 @@ TEST(Loading, EndsInOrderOnEveryPrefixAndChangedByte) {
   const std::string file =
       "\xEF\xBB\xBF\"a;1\";b.;b;\xE9\r\n1,5;\"x\r\n\"\"y\";3.4.2015;\r\n-;;03/04/2015 10:00;true\r\n";
   for (std::size_t size = 0; size <= file.size(); ++size)
-    for (const char change : std::string("\";\n\0\xFF"
-                                         "9",
-                                         6)) {
+    for (const char change : std::string("\";\n\0\xFFz", 6)) {
       std::string broken = file.substr(0, size);
       if (size > 0) broken[size * 7 % size] = change;
       for (const char* policy : {"--desc", "--skip-bad"}) {

@@ -52,18 +52,16 @@ TEST(Output, LeavesTheOldFileWhenSomethingFails) {
 
 TEST(Output, TellsWhatCannotBeWritten) {
   const TTestFolder folder;
-  EXPECT_EQ(RunProgram({"table", "-o", folder.Path("")}, "a\n1\n").err,
-            "kestrix: " + folder.Path("") + ": is a directory\n");
-  EXPECT_EQ(RunProgram({"table", "-o", folder.Path("no/out.csv")}, "a\n1\n").err,
-            "kestrix: " + folder.Path("no/out.csv") + ": cannot be written: No such file or directory\n");
-  EXPECT_EQ(RunProgram({"table", "-o", "/dev/full"}, "a\n1\n").err,
-            "kestrix: /dev/full: cannot be written: No space left on device\n");
+  for (const auto& [path, problem] : {std::pair{folder.Path(""), "is a directory"},
+                                      {folder.Path("no/out.csv"), "cannot be written: No such file or directory"},
+                                      {"/dev/full", "cannot be written: No space left on device"}})
+    EXPECT_EQ(RunProgram({"table", "-o", path}, "a\n1\n").err, "kestrix: " + path + ": " + problem + "\n");
   EXPECT_EQ(RunProgram({"table", "-o", "/dev/null"}, "a\n1\n").code, kSuccess);
 }
 
 TEST(Interrupt, EndsTheProgramWithoutAWord) {
   RaiseInterrupt();
-  const TRun run = RunProgram({"table"}, "a\n1\n");
+  const TRun run = RunProgram("table", "a\n1\n");
   EXPECT_EQ(run.code, kInterrupted);
   EXPECT_EQ(run.out + run.err, "");
 }

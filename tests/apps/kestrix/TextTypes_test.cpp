@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <span>
+
 #include "platform/runtime/DateTime.h"
+#include "support/TestKit.h"
 
 namespace vx::kestrix {
 namespace {
@@ -30,63 +34,42 @@ TEST(CellText, ReadsFloatsOfOneDecimalCharacter) {
 
 struct TDateCase {
   const char* text;
-  const char* expected;  // day first; "-" for none
+  const char* expected;  // day first
   bool isExchangeable = false;
 };
 
 TEST(CellText, ReadsDatesInTheirSpellings) {
-  const TDateCase cases[] = {
-      {"2015-02-21", "2015-02-21 00:00:00"},
-      {"2015/2/1", "2015-02-01 00:00:00"},
-      {"20150221", "2015-02-21 00:00:00"},
-      {"21.2.2015", "2015-02-21 00:00:00"},
-      {"3.4.15", "2015-04-03 00:00:00"},
-      {"03/04/2015", "2015-04-03 00:00:00", true},
-      {"04/04/2015", "2015-04-04 00:00:00"},
-      {"13/04/2015", "2015-04-13 00:00:00"},
-      {"3-4-1969", "1969-04-03 00:00:00", true},
-      {"1/2/69", "2069-02-01 00:00:00", true},
-      {"1/2/70", "1970-02-01 00:00:00", true},
-      {"21 Feb 2015", "2015-02-21 00:00:00"},
-      {"21-FEB-15", "2015-02-21 00:00:00"},
-      {"1. sept 2015", "2015-09-01 00:00:00"},
-      {"February 21, 2015", "2015-02-21 00:00:00"},
-      {"May 1 2015", "2015-05-01 00:00:00"},
-      {"2015-02-21 14:07", "2015-02-21 14:07:00"},
-      {"2015-02-21T14:07:30Z", "2015-02-21 14:07:30"},
-      {"2/1/2015 2:07:05 pm", "2015-01-02 14:07:05", true},
-      {"2015-02-21 12:00 AM", "2015-02-21 00:00:00"},
-      {"1850-01-02 18:00", "1850-01-02 18:00:00"},
-      {"29.02.2016", "2016-02-29 00:00:00"},
-      {"0001-01-01", "0001-01-01 00:00:00"},
-      {"9999-12-31 23:59:59", "9999-12-31 23:59:59"},
-      {"29.02.2015", "-"},
-      {"2015-13-01", "-"},
-      {"0000-01-01", "-"},
-      {"2015-02-30", "-"},
-      {"2015-02", "-"},
-      {"2015-02-21 24:00", "-"},
-      {"2015-02-21 14:60", "-"},
-      {"2015-02-21 13:00 pm", "-"},
-      {"2015-02-21 14:07+02:00", "-"},  // a zone isn't dropped without a word
-      {"2015-02-21x", "-"},
-      {"2015-02.21", "-"},
-      {"1/2/3", "-"},
-      {"Ma 1 2015", "-"},
-      {"14:07", "-"},
-      {"12", "-"},
-      {"99999999999999999999", "-"},
-      {"", "-"},
-      {"-", "-"},
-  };
-  for (const auto& [text, expected, isExchangeable] : cases) {
-    SCOPED_TRACE(text);
-    const auto date = ReadDate(text, TDateOrder::DayFirst);
-    EXPECT_EQ(date ? FormatDateTime("yyyy-mm-dd hh':'nn':'ss", date->days) : "-", expected);
-    EXPECT_EQ(date && date->couldBeExchanged, isExchangeable);
-  }
+  constexpr TDateCase kCases[] = {
+      {"2015/2/1", "2015-02-01"},     {"20150221", "2015-02-21"},         {"21.2.2015", "2015-02-21"},
+      {"3.4.15", "2015-04-03"},       {"03/04/2015", "2015-04-03", true}, {"04/04/2015", "2015-04-04"},
+      {"13/04/2015", "2015-04-13"},   {"3-4-1969", "1969-04-03", true},   {"1/2/69", "2069-02-01", true},
+      {"1/2/70", "1970-02-01", true}, {"21 Feb 2015", "2015-02-21"},      {"21-FEB-15", "2015-02-21"},
+      {"1. sept 2015", "2015-09-01"}, {"May 1 2015", "2015-05-01"},       {"29.02.2016", "2016-02-29"},
+      {"0001-01-01", "0001-01-01"}};
+  constexpr TDateCase kTimes[] = {
+      {"2015-02-21 14:07", "2015-02-21 14:07:00"},          {"2015-02-21T14:07:30Z", "2015-02-21 14:07:30"},
+      {"2/1/2015 2:07:05 pm", "2015-01-02 14:07:05", true}, {"2015-02-21 12:00 AM", "2015-02-21 00:00:00"},
+      {"1850-01-02 18:00", "1850-01-02 18:00:00"},          {"February 21, 2015", "2015-02-21 00:00:00"},
+      {"9999-12-31 23:59:59", "9999-12-31 23:59:59"}};
+  for (const std::span<const TDateCase> cases : std::initializer_list<std::span<const TDateCase>>{kCases, kTimes})
+    for (const auto& [text, expected, isExchangeable] : cases) {
+      SCOPED_TRACE(text);
+      const auto date = ReadDate(text, TDateOrder::DayFirst);
+      ASSERT_TRUE(date);
+      EXPECT_EQ(FormatDateTime("yyyy-mm-dd hh':'nn':'ss", date->days),
+                std::string(expected) + (std::strlen(expected) > 10 ? "" : " 00:00:00"));
+      EXPECT_EQ(date->couldBeExchanged, isExchangeable);
+    }
   EXPECT_EQ(ReadDate("03/04/2015", TDateOrder::MonthFirst)->days, EncodeDate(2015, 3, 4));
   EXPECT_FALSE(ReadDate("13/04/2015", TDateOrder::MonthFirst));
+}
+
+TEST(CellText, RefusesWhatIsNoDate) {
+  // A zone isn't dropped without a word.
+  for (const char* text : {"29.02.2015", "2015-13-01", "0000-01-01", "2015-02-30", "2015-02", "2015-02-21 24:00",
+                           "2015-02-21 14:60", "2015-02-21 13:00 pm", "2015-02-21 14:07+02:00", "2015-02-21x",
+                           "2015-02.21", "1/2/3", "Ma 1 2015", "14:07", "12", "99999999999999999999", "", "-"})
+    EXPECT_FALSE(ReadDate(text, TDateOrder::DayFirst)) << text;
 }
 
 TEST(CellText, DatesAreReadAsTheyAreWrittenOnEveryDay) {
@@ -95,49 +78,31 @@ TEST(CellText, DatesAreReadAsTheyAreWrittenOnEveryDay) {
       ASSERT_EQ(ReadDate(FormatDateTime(format, day), TDateOrder::DayFirst)->days, day) << day << ' ' << format;
 }
 
-struct TTypeCase {
-  const char* name;
-  std::vector<const char*> cells;
-  const char* type;
-  const char* withComma;  ///< the type where a comma may be the decimal character, and is
-};
+std::string TypeOf(const std::string& cells, char decimal) {
+  const TNullWords nulls;
+  TTypeFinder finder(nulls, /*mayHaveDecimalComma=*/true);
+  for (const std::string& cell : test::Cut(cells, '|')) finder.Add(cell, 1);
+  return std::string(TypeName(finder.Type(decimal)));
+}
 
 TEST(TypeFinder, FindsTheNarrowestTypeOfAllCells) {
-  const TTypeCase cases[] = {
-      {"nothing", {}, "string", "string"},
-      {"only nulls", {"", "-", " NA "}, "string", "string"},
-      {"integers", {"1", "-2", "2147483647"}, "integer", "integer"},
-      {"nulls among numbers", {"1", "  -  ", "", "NA"}, "integer", "integer"},
-      {"other words are text", {"1", "n/a"}, "string", "string"},
-      {"one leading zero makes text", {"1", "02"}, "string", "string"},
-      {"zero alone doesn't", {"0", "0.5", "-0"}, "float", "string"},
-      {"digits beyond 32 bits", {"1", "2147483648"}, "string", "string"},
-      {"amounts beyond 32 bits", {"1.5", "2147483648"}, "float", "string"},
-      {"too many digits for a float", {"1.5", "12345678901234567890"}, "string", "string"},
-      {"floats", {"1", "2.5", "1e-3"}, "float", "string"},
-      {"decimal commas", {"1", "2,5"}, "string", "float"},
-      {"both decimals", {"1.5", "2,5"}, "string", "string"},
-      {"no numbers", {"nan", "inf"}, "string", "string"},
-      {"Booleans", {"true", "NO", "", "Yes"}, "boolean", "boolean"},
-      {"zero and one are numbers", {"0", "1"}, "integer", "integer"},
-      {"ISO dates", {"2015-01-02", "-", "1850-01-01"}, "date", "date"},
-      {"one time makes date-times", {"2015-01-02", "2015-01-02 10:00"}, "datetime", "datetime"},
-      {"German dates", {"1.2.2015", "31.12.2015"}, "date", "date"},
-      {"year and month in one number", {"201501", "201512"}, "integer", "integer"},
-      {"compact dates are numbers", {"20150101"}, "integer", "integer"},
-      {"times are text", {"14:07"}, "string", "string"},
-      {"one bad date", {"2015-01-02", "2015-02-30"}, "string", "string"},
-      {"dates of both orders", {"13/01/2015", "01/13/2015"}, "string", "string"},
-      {"number then date", {"1", "2015-01-02"}, "string", "string"},
+  // Columns with ";" between. A leading zero makes text, zero alone doesn't; digits beyond 32 bits are text, too.
+  const std::pair<const char*, const char*> cases[] = {
+      {"string",
+       "|-| NA ;1|n/a;1|02;1|2147483648;1.5|12345678901234567890;1.5|2,5;nan|inf;14:07;2015-01-02|2015-02-30;"
+       "13/01/2015|01/13/2015;1|2015-01-02"},
+      {"integer", "1|-2|2147483647;1|  -  ||NA;0|1;201501|201512;20150101"},
+      {"float", "0|0.5|-0;1.5|2147483648;1|2.5|1e-3"},
+      {"boolean", "true|NO||Yes"},
+      {"date", "2015-01-02|-|1850-01-01;1.2.2015|31.12.2015"},
+      {"datetime", "2015-01-02|2015-01-02 10:00"},
   };
-  const TNullWords nulls;
-  for (const TTypeCase& each : cases) {
-    SCOPED_TRACE(each.name);
-    TTypeFinder finder(nulls, /*mayHaveDecimalComma=*/true);
-    for (const char* cell : each.cells) finder.Add(cell, 1);
-    EXPECT_EQ(TypeName(finder.Type('.')), each.type);
-    EXPECT_EQ(TypeName(finder.Type(',')), each.withComma);
-  }
+  for (const auto& [type, columns] : cases)
+    for (const std::string& cells : test::Cut(columns, ';')) {
+      EXPECT_EQ(TypeOf(cells, '.'), type) << cells;
+      EXPECT_EQ(TypeOf(cells, ','), type == std::string("float") ? "string" : type) << cells;
+    }
+  EXPECT_EQ(TypeOf("1|2,5", '.') + TypeOf("1|2,5", ',') + TypeOf("", '.'), "stringfloatstring");
 }
 
 struct TOrderCase {

@@ -4,14 +4,15 @@
 
 #include <array>
 #include <filesystem>
-#include <fstream>
-#include <limits>
-#include <sstream>
 
 #include "platform/canvas/Canvas.h"
+#include "support/TestFolder.h"
+#include "support/TestKit.h"
 
 namespace vx {
 namespace {
+
+using test::MessageOf;
 
 /// The pixels as rows of letters: "." white, "#" black, "?" anything between.
 std::string Pixels(const TCairoDevice& device) {
@@ -24,19 +25,15 @@ std::string Pixels(const TCairoDevice& device) {
   return rows;
 }
 
-void DrawSamples(TCanvas& canvas) {
+TEST(CairoDevice, CoversWholePixelsWithLevelAndUprightLines) {
+  TCairoDevice device({12, 6});
+  TCanvas canvas(device);
   canvas.SetBrushColor(clBlack);
   canvas.Line({1, 1}, {4, 1});
   canvas.Line({6, 1}, {6, 3});
   canvas.FillRect({1, 3, 3, 5});
   canvas.SetBrushStyle(bsClear);
   canvas.Rectangle({8, 1, 11, 5});
-}
-
-TEST(CairoDevice, CoversWholePixelsWithLevelAndUprightLines) {
-  TCairoDevice device({12, 6});
-  TCanvas canvas(device);
-  DrawSamples(canvas);
   EXPECT_EQ(Pixels(device), R"(
 ............
 .####.#.###.
@@ -124,78 +121,44 @@ TEST(CairoDevice, ShowsBrokenTextAndFarAwayShapes) {
 }
 
 TEST(CairoDevice, RefusesASizeThatNoPictureCanHave) {
-  const struct {
-    TSize size;
-    double scale;
-    const char* message;
-  } kCases[] = {
-      {{0, 10}, 1, "A picture of 0 by 10 pixels can't be made: each side must be from 1 to 32767"},
-      {{10, -1}, 1, "A picture of 10 by -1 pixels can't be made: each side must be from 1 to 32767"},
-      {{32768, 10}, 1, "A picture of 32768 by 10 pixels can't be made: each side must be from 1 to 32767"},
-      {{20000, 10}, 2, "A picture of 20000 by 10 pixels can't be made: each side must be from 1 to 32767"},
-      {{10, 10},
-       std::numeric_limits<double>::quiet_NaN(),
-       "A picture of 10 by 10 pixels can't be made: each side must be from 1 to 32767"},
-      {{32767, 32767}, 1, "A picture of 32767 by 32767 pixels can't be made: it would have more than 134217728 pixels"},
+  const auto errorOf = [](TSize size, double scale) {
+    return MessageOf<EGraphicError>([&] { TCairoDevice(size, scale); });
   };
-  for (const auto& c : kCases) {
-    try {
-      TCairoDevice device(c.size, c.scale);
-      ADD_FAILURE() << "no error for: " << c.message;
-    } catch (const EGraphicError& error) {
-      EXPECT_EQ(error.Message(), c.message);
-    }
-  }
+  const std::string sides = " pixels can't be made: each side must be from 1 to 32767";
+  EXPECT_EQ(errorOf({0, 10}, 1), "A picture of 0 by 10" + sides);
+  EXPECT_EQ(errorOf({10, -1}, 1), "A picture of 10 by -1" + sides);
+  EXPECT_EQ(errorOf({32768, 10}, 1), "A picture of 32768 by 10" + sides);
+  EXPECT_EQ(errorOf({20000, 10}, 2), "A picture of 20000 by 10" + sides);
+  EXPECT_EQ(errorOf({10, 10}, test::kNaN), "A picture of 10 by 10" + sides);
+  EXPECT_EQ(errorOf({32767, 32767}, 1),
+            "A picture of 32767 by 32767 pixels can't be made: it would have more than 134217728 pixels");
   EXPECT_NO_THROW(TCairoDevice({32767, 1}));
 }
 
-/// A folder of its own, gone with the test.
-class CairoFile : public testing::Test {
- protected:
-  void SetUp() override { std::filesystem::create_directories(folder_); }
-  void TearDown() override { std::filesystem::remove_all(folder_); }
-  std::string Path(const std::string& name) const { return (folder_ / name).string(); }
-  std::size_t FileCount() const {
-    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder_), {}));
-  }
-  static std::string Read(const std::string& path) {
-    std::ostringstream content;
-    content << std::ifstream(path, std::ios::binary).rdbuf();
-    return content.str();
-  }
-
- private:
-  const std::filesystem::path folder_ =
-      std::filesystem::path(testing::TempDir()) /
-      (std::string("cairo-") + testing::UnitTest::GetInstance()->current_test_info()->name());
-};
-
-TEST_F(CairoFile, IsAPngOfTheGivenSizeAndReplacesAnOlderOne) {
-  std::ofstream(Path("a.png")) << "old";
+TEST(CairoFile, IsAPngOfTheGivenSizeAndReplacesAnOlderOne) {
+  const test::TTestFolder folder;
+  folder.Write("a.png", "old");
   const TCairoDevice device({300, 20}, 2);
-  device.SaveToFile(Path("a.png"));
-  const std::string png = Read(Path("a.png"));
+  device.SaveToFile(folder.Path("a.png"));
+  const std::string png = folder.Read("a.png");
   ASSERT_GT(png.size(), 24u);
   EXPECT_EQ(png.substr(0, 8), "\x89PNG\r\n\x1A\n");
   EXPECT_EQ(png.substr(16, 8), std::string("\0\0\x02\x58\0\0\0\x28", 8));  // width 600, height 40
-  EXPECT_EQ(FileCount(), 1u);
+  EXPECT_EQ(folder.List(), "a.png");
 }
 
-TEST_F(CairoFile, NamesTheFileThatCannotBeWrittenAndLeavesNothingBehind) {
-  std::filesystem::create_directory(Path("folder"));
+TEST(CairoFile, NamesTheFileThatCannotBeWrittenAndLeavesNothingBehind) {
+  const test::TTestFolder folder;
+  std::filesystem::create_directory(folder.Path("folder"));
   const TCairoDevice device({2, 2});
-  for (const std::string& path : {Path("missing/a.png"), Path("folder"), std::string("/proc/version")}) {
-    try {
-      device.SaveToFile(path);
-      ADD_FAILURE() << "no error for " << path;
-    } catch (const EGraphicError& error) {
-      EXPECT_EQ(error.Message().rfind("Cannot write " + path + ": ", 0), 0u) << error.Message();
-    }
+  for (const std::string& path : {folder.Path("missing/a.png"), folder.Path("folder"), std::string("/proc/version")}) {
+    const std::string error = MessageOf<EGraphicError>([&] { device.SaveToFile(path); });
+    EXPECT_TRUE(error.starts_with("Cannot write " + path + ": ")) << error;
   }
-  EXPECT_EQ(FileCount(), 1u);
+  EXPECT_EQ(folder.List(), "folder");
 }
 
-TEST_F(CairoFile, WritesIntoADeviceInsteadOfReplacingIt) {
+TEST(CairoFile, WritesIntoADeviceInsteadOfReplacingIt) {
   TCairoDevice({2, 2}).SaveToFile("/dev/null");
   EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
 }

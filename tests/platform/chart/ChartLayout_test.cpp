@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
 #include "platform/canvas/RecordingDevice.h"
 #include "platform/chart/BarSeries.h"
 #include "platform/chart/LineSeries.h"
@@ -11,9 +9,12 @@
 #include "platform/runtime/Locale.h"
 #include "support/ChartSamples.h"
 #include "support/Golden.h"
+#include "support/TestKit.h"
 
 namespace vx {
 namespace {
+
+using test::kNaN;
 
 using test::kChartData;
 using test::kChartSizes;
@@ -21,29 +22,37 @@ using test::LabelFault;
 using test::SampleChart;
 using test::TChartSample;
 
+std::string ToText(TSize size) { return std::to_string(size.Width) + " by " + std::to_string(size.Height); }
+
+void ExpectNoLabelFault(const TChartSample& sample, TSize size) {
+  const auto chart = SampleChart(sample);
+  TRecordingCanvas canvas(size);
+  const TChartLayout layout = LayoutChart(*chart, size, canvas.TextMeter());
+  ASSERT_EQ(LabelFault(layout), "");
+  DrawChart(canvas, *chart, layout);
+}
+
 TEST(ChartLayout, LetsNoLabelOverlapAnotherOrLeaveThePicture) {
   const TLocaleScope scope(ClassicLocale());
   for (const TSize size : kChartSizes)
     for (const auto& data : kChartData)
       for (const std::int32_t seriesCount : {1, 2, 5, 13})
         for (const bool bars : {true, false}) {
-          const TChartSample sample{data.values, seriesCount, bars};
           SCOPED_TRACE(data.name + std::string(bars ? ", bars" : ", lines") + ", series " +
-                       std::to_string(seriesCount) + ", " + std::to_string(size.Width) + " by " +
-                       std::to_string(size.Height));
-          const auto chart = SampleChart(sample);
-          TRecordingCanvas canvas(size);
-          const TChartLayout layout = LayoutChart(*chart, size, canvas.TextMeter());
-          ASSERT_EQ(LabelFault(layout), "");
-          DrawChart(canvas, *chart, layout);
+                       std::to_string(seriesCount) + ", " + ToText(size));
+          ExpectNoLabelFault({data.values, seriesCount, bars}, size);
         }
+  for (const TSize tiny : {TSize{1, 1}, TSize{3, 900}, TSize{900, 3}, TSize{40, 40}, TSize{}, TSize{32767, 1}}) {
+    SCOPED_TRACE(ToText(tiny));
+    ExpectNoLabelFault({{1, 2, 3}, 13, true}, tiny);
+  }
 }
 
 TEST(ChartLayout, FindsRoomForWhatMattersInEveryUsualSize) {
   const TLocaleScope scope(ClassicLocale());
   for (const TSize size : kChartSizes) {
     if (size.Width < 250 || size.Height < 150) continue;
-    SCOPED_TRACE(std::to_string(size.Width) + " by " + std::to_string(size.Height));
+    SCOPED_TRACE(ToText(size));
     const auto chart = SampleChart({{10, 20, 15, 30, 25, 12, 18, 9, 40, 22, 31, 17}, 13, true});
     const TRecordingDevice device(size);
     const TChartLayout layout = LayoutChart(*chart, size, device);
@@ -53,16 +62,6 @@ TEST(ChartLayout, FindsRoomForWhatMattersInEveryUsualSize) {
     EXPECT_GE(layout.LegendLabels.size(), 4u);
     EXPECT_GE(layout.Plot.Height(), size.Height / 4);
     EXPECT_GE(layout.Plot.Width(), size.Width * 2 / 3);
-  }
-}
-
-TEST(ChartLayout, SurvivesSizesThatShowNothing) {
-  for (const TSize size : {TSize{1, 1}, TSize{3, 900}, TSize{900, 3}, TSize{40, 40}, TSize{}, TSize{32767, 1}}) {
-    SCOPED_TRACE(std::to_string(size.Width) + " by " + std::to_string(size.Height));
-    const auto chart = SampleChart({{1, 2, 3}, 13, true});
-    TRecordingCanvas canvas(size);
-    chart->Draw(canvas);
-    EXPECT_EQ(LabelFault(LayoutChart(*chart, size, canvas.TextMeter())), "");
   }
 }
 
@@ -85,52 +84,42 @@ TEST(ChartLayout, KeepsThePlaceOfEmptyPeriods) {
   }
 }
 
+std::string BottomLabels(const TCustomChart& chart, std::int32_t width) {
+  std::string text;
+  for (const TLabelBox& label : LayoutChart(chart, {width, 300}, TRecordingDevice()).Bottom.Labels)
+    text += label.Text + "|";
+  return text;
+}
+
 TEST(ChartLayout, ThinsOutTheLabelsOfPeriodsEvenly) {
   const TLocaleScope scope(ClassicLocale());
-  const std::vector<double> months(36, 5.0);
-  const struct {
-    std::int32_t width;
-    const char* labels;
-  } kCases[] = {
-      {250, "Jan 2022|Jan 2023|Jan 2024|"},
-      {500, "Jan 2022|Jul 2022|Jan 2023|Jul 2023|Jan 2024|Jul 2024|"},
-      {700, "Jan 2022|May 2022|Sep 2022|Jan 2023|May 2023|Sep 2023|Jan 2024|May 2024|Sep 2024|"},
-  };
-  for (const auto& c : kCases) {
-    const auto chart = SampleChart({months, 1, true});
-    const TRecordingDevice device;
-    std::string labels;
-    for (const TLabelBox& label : LayoutChart(*chart, {c.width, 300}, device).Bottom.Labels) labels += label.Text + "|";
-    EXPECT_EQ(labels, c.labels) << c.width;
-  }
+  const auto chart = SampleChart({std::vector<double>(36, 5.0), 1, true});
+  EXPECT_EQ(BottomLabels(*chart, 250), "Jan 2022|Jan 2023|Jan 2024|");
+  EXPECT_EQ(BottomLabels(*chart, 500), "Jan 2022|Jul 2022|Jan 2023|Jul 2023|Jan 2024|Jul 2024|");
+  EXPECT_EQ(BottomLabels(*chart, 700),
+            "Jan 2022|May 2022|Sep 2022|Jan 2023|May 2023|Sep 2023|Jan 2024|May 2024|Sep 2024|");
 }
 
 TEST(ChartLayout, LabelsPointsByTheirOwnTextsOrDatesWhereThereAreNoPeriods) {
   const TLocaleScope scope(ClassicLocale());
-  const TRecordingDevice device;
-  const auto labels = [&device](const TCustomChart& chart) {
-    std::string text;
-    for (const TLabelBox& label : LayoutChart(chart, {640, 480}, device).Bottom.Labels) text += label.Text + "|";
-    return text;
-  };
   const auto chart = Make<TChart>(nullptr);
   auto* series = New<TLineSeries>(chart.get());
   chart->AddSeries(series);
   series->AddXY(EncodeDate(2024, 3, 1), 1);
   series->AddXY(EncodeDate(2024, 1, 1), 2);
   series->XValues().DateTime = true;
-  EXPECT_EQ(labels(*chart), "1/1/2024|3/1/2024|");
+  EXPECT_EQ(BottomLabels(*chart, 640), "1/1/2024|3/1/2024|");
   chart->BottomAxis().OnLabelText = [](double date) { return FormatDateTime("mmm", date); };
-  EXPECT_EQ(labels(*chart), "Jan|Mar|");
+  EXPECT_EQ(BottomLabels(*chart, 640), "Jan|Mar|");
   series->Clear();
   series->Add(1, "Monday");
   series->Add(2, "Tuesday");
-  EXPECT_EQ(labels(*chart), "Monday|Tuesday|");
+  EXPECT_EQ(BottomLabels(*chart, 640), "Monday|Tuesday|");
   series->Clear();
   series->XValues().DateTime = false;
   chart->BottomAxis().OnLabelText = nullptr;
   for (int i = 0; i <= 10; ++i) series->Add(i);
-  EXPECT_EQ(labels(*chart), "0|1|2|3|4|5|6|7|8|9|10|");
+  EXPECT_EQ(BottomLabels(*chart, 640), "0|1|2|3|4|5|6|7|8|9|10|");
 }
 
 TEST(ChartLayout, LeavesOutInactiveSeriesAndTheLegendOfASingleOne) {
@@ -180,21 +169,17 @@ TEST(Legend, CountsWhatFindsNoPlace) {
 
 // -- Drawings -------------------------------------------------------------------------------------------------------
 
-TEST(ChartDrawing, OfASmallBarChart) {
+TEST(ChartDrawing, OfSmallCharts) {
   const TLocaleScope scope(ClassicLocale());
-  const auto chart = SampleChart({{30, 12.5, std::numeric_limits<double>::quiet_NaN(), -8}, 2, true});
-  TRecordingCanvas canvas({320, 200});
-  chart->Draw(canvas);
-  EXPECT_TRUE(test::MatchesGolden("chart/small-bars.txt", canvas.Text()));
-}
-
-TEST(ChartDrawing, OfASmallLineChart) {
-  const TLocaleScope scope(ClassicLocale());
-  const auto chart = SampleChart({{30, 12.5, std::numeric_limits<double>::quiet_NaN(), 8, 20, 14}, 2, false});
-  Cast<TLineSeries>(&chart->Series(1))->Pointer.Visible = true;
-  TRecordingCanvas canvas({320, 200});
-  chart->Draw(canvas);
-  EXPECT_TRUE(test::MatchesGolden("chart/small-lines.txt", canvas.Text()));
+  const auto bars = SampleChart({{30, 12.5, kNaN, -8}, 2, true});
+  const auto lines = SampleChart({{30, 12.5, kNaN, 8, 20, 14}, 2, false});
+  Cast<TLineSeries>(&lines->Series(1))->Pointer.Visible = true;
+  for (const auto& [chart, golden] :
+       {std::pair{bars.get(), "chart/small-bars.txt"}, {lines.get(), "chart/small-lines.txt"}}) {
+    TRecordingCanvas canvas({320, 200});
+    chart->Draw(canvas);
+    EXPECT_TRUE(test::MatchesGolden(golden, canvas.Text()));
+  }
 }
 
 }  // namespace

@@ -10,12 +10,13 @@
 #include "platform/chart/BarSeries.h"
 #include "platform/chart/Chart.h"
 #include "platform/chart/LineSeries.h"
+#include "support/TestKit.h"
 
 namespace vx {
 namespace {
 
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
+using test::kInfinity;
+using test::kNaN;
 
 /// A plot of 100 by 100 pixels for values from 0 to 99, right and up.
 constexpr TSeriesFrame kFrame{
@@ -48,7 +49,7 @@ TEST(ChartSeries, GivesEveryChannelOneValueForEachPoint) {
 TEST(ChartSeries, FindsItsBoundsAmongTheFiniteValues) {
   const auto series = Make<TLineSeries>(nullptr);
   EXPECT_TRUE(std::isnan(series->MinYValue()));
-  for (const double y : {kNan, 5.0, -kInfinity, -2.0, kInfinity}) series->Add(y);
+  for (const double y : {kNaN, 5.0, -kInfinity, -2.0, kInfinity}) series->Add(y);
   EXPECT_EQ(series->MinYValue(), -2);
   EXPECT_EQ(series->MaxYValue(), 5);
   series->YValues().SetValue(1, 9);
@@ -67,7 +68,7 @@ TEST(LineSeries, IsInterruptedByNullsOnly) {
   series->AddNull(40);
   series->AddXY(50, 2);  // alone
   series->AddXY(60, kInfinity);
-  series->AddXY(kNan, 3);  // without a place: as if it weren't there
+  series->AddXY(kNaN, 3);  // without a place: as if it weren't there
   series->AddXY(70, 4);
   series->AddXY(80, 5);
   const TSeriesShape shape = series->CalcShape(kFrame);
@@ -112,7 +113,7 @@ TEST(BarSeries, ShowsEachValueThatIsNotZeroAndKeepsToThePlot) {
   TSeriesFrame frame = kFrame;
   frame.Vertical = {-50, 49, 99, 0};  // zero is row 49
   const auto series = Make<TBarSeries>(nullptr);
-  for (const double y : {20.0, -20.0, 0.001, -0.001, 0.0, 1e9, -1e9, kNan}) series->Add(y);
+  for (const double y : {20.0, -20.0, 0.001, -0.001, 0.0, 1e9, -1e9, kNaN}) series->Add(y);
   const TSeriesShape shape = series->CalcShape(frame);
   std::vector<std::pair<std::int32_t, std::int32_t>> rows;
   for (const TBarBox& bar : shape.Bars) rows.emplace_back(bar.Box.Top, bar.Box.Bottom);
@@ -121,25 +122,20 @@ TEST(BarSeries, ShowsEachValueThatIsNotZeroAndKeepsToThePlot) {
 
 TEST(Chart, ShowsASeriesOnOneChartOnlyAndForgetsItWhenItIsFreed) {
   const auto one = Make<TChart>(nullptr);
-  const auto other = Make<TChart>(nullptr);
+  auto other = Make<TChart>(nullptr);
   auto* series = New<TLineSeries>(one.get());
   one->AddSeries(series);
   one->AddSeries(series);
   other->AddSeries(series);
   EXPECT_EQ(one->SeriesCount(), 0);
   EXPECT_EQ(series->ParentChart(), other.get());
-  series->Free();
-  EXPECT_EQ(other->SeriesCount(), 0);
-  EXPECT_THROW(other->Series(0), EListError);
-  EXPECT_THROW(other->AddSeries(nullptr), ENilAccess);
-}
-
-TEST(Chart, LeavesTheSeriesOfOthersAliveWhenItGoes) {
-  auto chart = Make<TChart>(nullptr);
-  const auto series = Make<TBarSeries>(nullptr);
-  series->SetParentChart(chart.get());
-  chart.reset();
+  other.reset();  // the series is not its own
   EXPECT_EQ(series->ParentChart(), nullptr);
+  series->SetParentChart(one.get());
+  series->Free();
+  EXPECT_EQ(one->SeriesCount(), 0);
+  EXPECT_THROW(one->Series(0), EListError);
+  EXPECT_THROW(one->AddSeries(nullptr), ENilAccess);
 }
 
 // -- Colours --------------------------------------------------------------------------------------------------------

@@ -8,8 +8,12 @@
 #include <string>
 #include <vector>
 
+#include "support/TestKit.h"
+
 namespace vx {
 namespace {
+
+using test::MessageOf;
 
 struct ISpeaker {
   virtual ~ISpeaker() = default;
@@ -64,16 +68,6 @@ class TComponents : public ::testing::Test {
   }
   void TearDown() override { EXPECT_EQ(THostile::living, 0) << "leaked, or freed twice"; }
 };
-
-template <class Error, class F>
-std::string MessageOf(F&& action) {
-  try {
-    action();
-  } catch (const Error& error) {
-    return error.Message();
-  }
-  return "nothing raised";
-}
 
 TEST_F(TComponents, NamesAreIdentifiersAndUniqueWithinTheOwner) {
   const auto form = Make<THostile>();

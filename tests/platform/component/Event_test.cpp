@@ -4,7 +4,6 @@
 
 #include <functional>
 #include <string>
-#include <vector>
 
 namespace vx {
 namespace {
@@ -92,21 +91,6 @@ TEST(Event, SurvivesAHandlerThatEndsItsOwnSlot) {
   };
   EXPECT_EQ((*slot)(0), text);
   EXPECT_EQ(slot, nullptr);
-}
-
-TEST(Event, ChainsAndGivesBackOnlyItsOwn) {
-  std::vector<std::string> told;
-  TNotifyEvent slot = [&](TObject*) { told.push_back("first"); };
-  const TNotifyEvent kept = slot;
-  const TNotifyEvent mine = [&, kept](TObject* sender) {
-    kept(sender);
-    told.push_back("second");
-  };
-  slot = mine;
-  slot(nullptr);
-  EXPECT_EQ(told, (std::vector<std::string>{"first", "second"}));
-  EXPECT_TRUE(slot == mine);
-  EXPECT_FALSE(slot == kept);
 }
 
 TEST(AnyEvent, GivesBackOnlyTheSignatureThatWentIn) {

@@ -40,17 +40,9 @@ TEST(Format, FillsPlaceholders) {
   EXPECT_EQ(Format("%f %.1f %.0f %g", {2, 0.25, 1.5, 0.1}), "2.00 0.3 2 0.1");
   EXPECT_EQ(Format("[%5s|%-5s|%.2s]", {"éa", "éa", "éab"}), "[   éa|éa   |éa]");
   EXPECT_EQ(Format("%s", {static_cast<const char*>(nullptr)}), "");
-}
-
-TEST(Format, NeverReadsAnArgumentAsAFormat) {
-  EXPECT_EQ(Format("%s%s", {"%s", "%d%n%1:s"}), "%s%d%n%1:s");
+  EXPECT_EQ(Format("%s%s", {"%s", "%d%n%1:s"}), "%s%d%n%1:s");  // an argument is no format
   EXPECT_EQ(Format("%%%s", {"s"}), "%s");
-}
-
-TEST(Format, RealsUseTheLocalesSeparator) {
-  TLocaleSettings comma = ClassicLocale();
-  comma.DecimalSeparator = ',';
-  const TLocaleScope locale(comma);
+  Locale().DecimalSeparator = ',';
   EXPECT_EQ(Format("%.1f", {1.5}), "1,5");
 }
 
@@ -59,28 +51,24 @@ TEST(Format, HostileFormatsRaiseAndQuoteThemselves) {
     const char* format;
     const char* wrong;
   } cases[] = {
-      {"a%", "a placeholder without its letter"},
-      {"%0:", "a placeholder without its letter"},
-      {"%-", "a placeholder without its letter"},
-      {"%5.", "a placeholder without its letter"},
       {"%:s", "':' without an index"},
       {"%99999999999999999999:s", "no argument 1000000, there are 2"},
       {"%2:s", "no argument 2, there are 2"},
       {"%s%d%s", "no argument 2, there are 2"},
       {"%99999999999999999999s", "a width over 1024"},
       {"%.99999999999999999999d", "a precision over 1024"},
-      {"%q", "unknown letter 'q'"},
-      {"%n", "unknown letter 'n'"},
-      {"%*s", "unknown letter '*'"},
       {"%0:-%", "unknown letter '%'"},
       {"%d", "argument 0 is no number"},
       {"%1:s", "argument 1 is no text"},
       {"%f", "argument 0 is no number"},
   };
+  for (const char* cut : {"a%", "%0:", "%-", "%5."})
+    EXPECT_EQ(ErrorOf(cut, {"x", 1}), "Format '" + std::string(cut) + "': a placeholder without its letter");
+  for (const std::string letter : {"q", "n", "*", "\xFF"})
+    EXPECT_EQ(ErrorOf("%" + letter, {"x"}), "Format '%" + letter + "': unknown letter '" + letter + "'");
   for (const auto& each : cases)
     EXPECT_EQ(ErrorOf(each.format, {"x", 1}), "Format '" + std::string(each.format) + "': " + each.wrong);
   EXPECT_EQ(ErrorOf("%x", {1.5}), "Format '%x': argument 0 is no integer");
-  EXPECT_EQ(ErrorOf("%\xFF", {1}), "Format '%\xFF': unknown letter '\xFF'");
   EXPECT_EQ(ErrorOf(std::string("%\0s", 3), {"x"}).find("made"), std::string::npos);
 }
 

@@ -9,19 +9,14 @@
 #include <string>
 #include <vector>
 
+#include "support/TestKit.h"
+
 namespace vx {
 namespace {
 
-void* P(std::uintptr_t value) { return reinterpret_cast<void*>(value); }
+using test::MessageOf;
 
-std::string MessageOf(const std::function<void()>& call) {
-  try {
-    call();
-  } catch (const EListError& error) {
-    return error.Message();
-  }
-  return "nothing raised";
-}
+void* P(std::uintptr_t value) { return reinterpret_cast<void*>(value); }
 
 TEST(List, PositionsOutsideRaiseAndChangeNothing) {
   const auto list = Make<TList>();
@@ -29,22 +24,20 @@ TEST(List, PositionsOutsideRaiseAndChangeNothing) {
   list->Add(P(16));
   for (const std::int32_t bad : {-1, 2, 2147483647}) {
     const std::string wanted = "List index out of bounds (" + std::to_string(bad) + ")";
-    EXPECT_EQ(MessageOf([&] { list->Items(bad); }), wanted);
-    EXPECT_EQ(MessageOf([&] { list->Put(bad, P(1)); }), wanted);
-    EXPECT_EQ(MessageOf([&] { list->Delete(bad); }), wanted);
-    EXPECT_EQ(MessageOf([&] { list->Exchange(0, bad); }), wanted);
-    EXPECT_EQ(MessageOf([&] { list->Move(0, bad); }), wanted);
-    EXPECT_EQ(MessageOf([&] { list->Move(bad, 0); }), wanted);
+    const std::function<void()> calls[] = {[&] { list->Items(bad); },   [&] { list->Put(bad, P(1)); },
+                                           [&] { list->Delete(bad); },  [&] { list->Exchange(0, bad); },
+                                           [&] { list->Move(0, bad); }, [&] { list->Move(bad, 0); }};
+    for (const auto& call : calls) EXPECT_EQ(MessageOf<EListError>(call), wanted);
   }
-  EXPECT_EQ(MessageOf([&] { list->Insert(3, P(1)); }), "List index out of bounds (3)");
-  EXPECT_EQ(MessageOf([&] { list->SetCapacity(1); }), "List capacity out of bounds (1)");
-  EXPECT_EQ(MessageOf([&] { list->SetCapacity(-1); }), "List capacity out of bounds (-1)");
+  EXPECT_EQ(MessageOf<EListError>([&] { list->Insert(3, P(1)); }), "List index out of bounds (3)");
+  EXPECT_EQ(MessageOf<EListError>([&] { list->SetCapacity(1); }), "List capacity out of bounds (1)");
+  EXPECT_EQ(MessageOf<EListError>([&] { list->SetCapacity(-1); }), "List capacity out of bounds (-1)");
   EXPECT_EQ(list->Count(), 2);
   EXPECT_EQ(list->Items(1), P(16));
 
   const auto empty = Make<TList>();
-  EXPECT_EQ(MessageOf([&] { empty->First(); }), "List index out of bounds (0)");
-  EXPECT_EQ(MessageOf([&] { empty->Last(); }), "List index out of bounds (-1)");
+  EXPECT_EQ(MessageOf<EListError>([&] { empty->First(); }), "List index out of bounds (0)");
+  EXPECT_EQ(MessageOf<EListError>([&] { empty->Last(); }), "List index out of bounds (-1)");
 }
 
 TEST(List, AgreesWithAPlainVector) {
