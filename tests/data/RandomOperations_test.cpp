@@ -1,5 +1,5 @@
-// Random operations on a table and all kinds of cursors, on the engine and on the naive model (model/) side by side. Positions, lists,
-// values, ids, notifications, answers and errors must agree after each step.
+// Random operations on a table and all kinds of cursors, on the engine and on the naive model (model/) side by side.
+// Positions, lists, values, ids, notifications, answers and errors must agree after each step.
 //
 //   KESTRIX_MODEL_OPS=2000000 KESTRIX_MODEL_SEED=77 tests_data --gtest_filter='RandomOperations.*'
 

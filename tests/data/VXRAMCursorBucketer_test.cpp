@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "../datetime/WeekScope.h"
 #include "TableKit.h"
 #include "platform/runtime/Locale.h"
@@ -30,39 +28,7 @@ class TOrders : public TTestTable {
 
 TCells Row(double day, const char* item, double load, std::int32_t count) { return {kMonday + day, item, load, count}; }
 
-std::string All(const TVXRAMCursor& cursor, std::initializer_list<const char*> names) {
-  std::string text;
-  for (const char* name : names) text += (text.empty() ? "" : "|") + Values(cursor, name);
-  return text;
-}
-
-// -- Building ----------------------------------------------------------------------------------------------------------
-
-TEST_F(VXRAMCursorBucketerTest, BucketsStandInTheOrderOfTheirFirstRows) {
-  TOrders table{Row(8, "b", 1, 1), Row(0, "a", 2, 2), Row(13.5, "a", 4, 4), Row(6, "c", 8, 8)};
-  TVXRAMCursorBucketer& weeks = table.OpenBuckets({"Day", vxgrOneWeek, {{"Load", vxbtCumulate}}});
-  EXPECT_EQ(Ids(weeks), "0 1");
-  EXPECT_EQ(All(weeks, {"Day", "Item", "Load", "Count"}), "45299 45292|a c|5 10|4 8");  // others show the last row
-  EXPECT_EQ(Walk(weeks), "0 1");
-  TVXRAMCursorBucketer& sorted = table.OpenBuckets({"Day", vxgrOneWeek, {}, vxgrOneDay, true, {.sort = "Day"}});
-  EXPECT_EQ(Ids(sorted), "1 0");
-  EXPECT_FALSE(sorted.Get_CanUseIndex("Day"));
-}
-
-TEST_F(VXRAMCursorBucketerTest, ByEndOfGroupKeyAndDateAreTheLastDay) {
-  const struct {
-    TVXGroupMode mode;
-    bool byStart;
-    const char* days;
-  } cases[] = {{vxgrOneDay, false, "45292 45321 45323 45657"}, {vxgrOneWeek, false, "45298 45326 45662"},
-               {vxgrOneMonth, false, "45322 45351 45657"},     {vxgrOneYear, false, "45657"},
-               {vxgrOneMonth, true, "45292 45323 45627"},      {vxgrOneCentury, true, "73051"}};
-  for (const auto& each : cases) {
-    TOrders table{Row(0, "a", 1, 1), Row(29, "a", 1, 1), Row(31, "a", 1, 1), Row(365, "a", 1, 1)};
-    EXPECT_EQ(Values(table.OpenBuckets({"Day", each.mode, {}, vxgrOneDay, each.byStart}), "Day"), each.days)
-        << +each.mode;
-  }
-}
+// -- Building ---------------------------------------------------------------------------------------------------------
 
 TEST_F(VXRAMCursorBucketerTest, EachNewBucketTakesAnIdOfTheTable) {
   TOrders table{Row(0, "a", 1, 1), Row(7, "a", 1, 1), Row(8, "a", 1, 1)};
@@ -84,14 +50,11 @@ TEST_F(VXRAMCursorBucketerTest, KeysAreTextsWithoutSeparator) {
   } cases[] = {{"A;B", vxrftInteger, vxrftInteger, {{1, 12}, {11, 2}, {11, 12}}, "2 1"},
                {"B;A", vxrftInteger, vxrftInteger, {{1, 12}, {11, 2}, {11, 12}}, "1 1 1"},
                {"A", vxrftInteger, vxrftInteger, {{Null()}, {0}, {1}}, "2 1"},  // nulls count as zero bytes
-               {"A", vxrftDateTime, vxrftInteger, {{Null()}, {0.0}, {0.5}, {1.0}}, "3 1"},
                {"A", vxrftString, vxrftString, {{Null()}, {""}, {"a"}, {"A"}}, "2 1 1"},
                {"A;B", vxrftString, vxrftString, {{"ab", "c"}, {"a", "bc"}, {"abc", ""}}, "3"},
                {"A", vxrftFloat, vxrftInteger, {{0.1 + 0.2}, {0.3}, {-0.0}, {0.0}}, "2 2"},  // 15 digits decide
                {"A;B", vxrftBoolean, vxrftWord, {{true, 0}, {Null(), 10}, {false, 10}, {true, Null()}}, "2 2"},
-               {"A;B", vxrftSmallint, vxrftDuration, {{-1, 1}, {-11, Null()}, {-11, 0}}, "1 2"},
-               {"Nothing;a", vxrftInteger, vxrftInteger, {{1}, {2}, {1}}, "2 1"},  // unknown names add nothing
-               {"", vxrftInteger, vxrftInteger, {{1}, {2}}, "2"}};
+               {"Nothing;a", vxrftInteger, vxrftInteger, {{1}, {2}, {1}}, "2 1"}};  // unknown names add nothing
   for (const auto& each : cases) {
     TTestTable table({{"A", each.first, 8}, {"B", each.second, 8}});
     for (const TCells& cells : each.rows) table.Add(cells);
@@ -120,26 +83,7 @@ TEST_F(VXRAMCursorBucketerTest, BucketedFieldsAreFoundWithoutCaseButKnownWithIt)
   EXPECT_EQ(Ids(other), "0");  // a setting is honoured by the next build alone
 }
 
-// -- Folding -----------------------------------------------------------------------------------------------------------
-
-TEST_F(VXRAMCursorBucketerTest, FoldsByTheTypeOfTheBucket) {
-  const struct {
-    TVXBucketType type;
-    const char* load;
-    const char* count;
-  } cases[] = {{vxbtCumulate, "7", "7"},    {vxbtAverage, "2.33333333333333", "2"},
-               {vxbtMinValue, "1", "1"},    {vxbtMaxValue, "4", "4"},
-               {vxbtFirstBucket, "4", "4"}, {vxbtLastBucket, "1", "1"}};
-  for (const auto& each : cases) {
-    TOrders table{Row(1, "a", 2, 2), Row(0, "a", 4, 4), Row(2, "a", 1, 1)};
-    TVXRAMCursorBucketer& week = table.OpenBuckets({"Day", vxgrOneWeek, {{"Load", each.type}, {"Count", each.type}}});
-    EXPECT_EQ(All(week, {"Load", "Count"}), std::string(each.load) + "|" + each.count) << +each.type;
-  }
-  TOrders empty{{kMonday, "a", Null(), Null()}, Row(0, "b", 4, 4), Row(0, "c", 2, -7)};
-  EXPECT_EQ(
-      All(empty.OpenBuckets({"Day", vxgrOneWeek, {{"Load", vxbtMinValue}, {"Count", vxbtAverage}}}), {"Load", "Count"}),
-      "0|-1");  // a null is a zero that counts; integers divide towards zero
-}
+// -- Folding ----------------------------------------------------------------------------------------------------------
 
 TEST_F(VXRAMCursorBucketerTest, TheFirstDefinitionOfANameCountsAndOnlyFourTypesFold) {
   TTestTable table({{"Key", vxrftInteger},
@@ -157,9 +101,8 @@ TEST_F(VXRAMCursorBucketerTest, TheFirstDefinitionOfANameCountsAndOnlyFourTypesF
   for (const char* name : {"COST", "Span", "Rank", "Size", "Name", "Due", "Open"})
     wish.folds.emplace_back(name, vxbtCumulate);
   wish.folds.emplace_back("Cost", vxbtMinValue);
-  EXPECT_EQ(All(table.OpenBuckets(wish), {"Cost", "Span", "Rank", "Size", "Name", "Due", "Open", "Rest"}),
+  EXPECT_EQ(Values(table.OpenBuckets(wish), {"Cost", "Span", "Rank", "Size", "Name", "Due", "Open", "Rest"}),
             "7.5|6|3|3|c|30|False|3");
-  EXPECT_EQ(wish.folds.size(), 8u);
 }
 
 TEST_F(VXRAMCursorBucketerTest, DatesAreSharedLaterRowsWinTiesStatusIsSticky) {
@@ -177,7 +120,7 @@ TEST_F(VXRAMCursorBucketerTest, DatesAreSharedLaterRowsWinTiesStatusIsSticky) {
       {"Day",
        vxgrOneWeek,
        {{"First", vxbtFirstBucket}, {"AlsoFirst", vxbtFirstBucket}, {"Last", vxbtLastBucket}, {"Sum", vxbtCumulate}}});
-  EXPECT_EQ(All(week, {"First", "AlsoFirst", "Last", "Sum"}), "4|4|3|1");
+  EXPECT_EQ(Values(week, {"First", "AlsoFirst", "Last", "Sum"}), "4|4|3|1");
   EXPECT_EQ(Values(week, "Shown"), "");  // assigned once, so assigned, though the last row is null
   TVXRAMCursor& rows = table.Open();
   rows.Set_RecordID(0);
@@ -186,7 +129,7 @@ TEST_F(VXRAMCursorBucketerTest, DatesAreSharedLaterRowsWinTiesStatusIsSticky) {
   EXPECT_EQ(Values(week, "Sum"), "0");  // no row has a value any more, the status stays
 }
 
-// -- In step -----------------------------------------------------------------------------------------------------------
+// -- In step ----------------------------------------------------------------------------------------------------------
 
 TEST_F(VXRAMCursorBucketerTest, ADeletionByAnotherCursorLeavesTheOldSum) {
   TOrders table{Row(0, "a", 1, 1), Row(1, "a", 2, 2), Row(7, "a", 4, 4)};
@@ -194,13 +137,13 @@ TEST_F(VXRAMCursorBucketerTest, ADeletionByAnotherCursorLeavesTheOldSum) {
   TVXRAMCursor& rows = table.Open();
   rows.Set_RecordID(0);
   rows.DeleteRec();
-  EXPECT_EQ(All(weeks, {"Load", "Item"}), "3 4|a a");
+  EXPECT_EQ(Values(weeks, {"Load", "Item"}), "3 4|a a");
   rows.Set_RecordID(2);
   rows.DeleteRec();  // the only row of its bucket
   EXPECT_EQ(Ids(weeks), "0");
   EXPECT_EQ(table->Get_AllocatedRows(), 1 + 1);
   table.Add(Row(2, "b", 8, 8));
-  EXPECT_EQ(All(weeks, {"Load", "Item"}), "10|b");
+  EXPECT_EQ(Values(weeks, {"Load", "Item"}), "10|b");
 }
 
 TEST_F(VXRAMCursorBucketerTest, EditsNeverMoveRowsToOtherBuckets) {
@@ -209,11 +152,11 @@ TEST_F(VXRAMCursorBucketerTest, EditsNeverMoveRowsToOtherBuckets) {
   TVXRAMCursor& rows = table.Open();
   rows.Set_RecordID(0);
   rows.UpdateRecWithValues(*table.Record(Row(8, "c", 5, 5)));
-  EXPECT_EQ(All(weeks, {"Day", "Load"}), "45292 45299|1 2");  // nobody was told
+  EXPECT_EQ(Values(weeks, {"Day", "Load"}), "45292 45299|1 2");  // nobody was told
   table.Add(Row(1, "d", 10, 10));
-  EXPECT_EQ(All(weeks, {"Day", "Load", "Item"}), "45292 45299|15 2|d b");  // its bucket counts the edited row
+  EXPECT_EQ(Values(weeks, {"Day", "Load", "Item"}), "45292 45299|15 2|d b");  // its bucket counts the edited row
   weeks.EndUpdate();
-  EXPECT_EQ(All(weeks, {"Day", "Load"}), "45299 45292|7 10");
+  EXPECT_EQ(Values(weeks, {"Day", "Load"}), "45299 45292|7 10");
 }
 
 TEST_F(VXRAMCursorBucketerTest, AnInsertionLeavesTheFilteredList) {
@@ -231,7 +174,7 @@ TEST_F(VXRAMCursorBucketerTest, SourceRowsAreNotFiltered) {
   TOrders table{Row(0, "a", 1, 1), Row(1, "b", 2, 2), Row(7, "a", 4, 4)};
   TVXRAMCursorBucketer& weeks = table.OpenBuckets(
       {"Day", vxgrOneWeek, {{"Load", vxbtCumulate}}, vxgrOneDay, true, {.filterField = "Load", .filterValue = 3.0}});
-  EXPECT_EQ(All(weeks, {"Load", "Count"}), "3|2");  // no source row has a load of 3
+  EXPECT_EQ(Values(weeks, {"Load", "Count"}), "3|2");  // no source row has a load of 3
 }
 
 TEST_F(VXRAMCursorBucketerTest, AnEditReachesTheSourceOnlyInTheGroupingTheRowsWereMadeIn) {
@@ -258,9 +201,9 @@ TEST_F(VXRAMCursorBucketerTest, DeletingABucketDeletesItsRowsAndLeavesTheIndex) 
   TVXRAMCursorBucketer& weeks = table.OpenBuckets({"Day", vxgrOneWeek});
   TVXRAMCursorBucketer& others = table.OpenBuckets({"Day", vxgrOneMonth, {{"Count", vxbtCumulate}}});
   weeks.Set_RecordID(0);
-  table.Owner().refreshes = 0;
+  table.owner->refreshes = 0;
   weeks.DeleteRec();
-  EXPECT_EQ(table.Owner().refreshes, 3 * 3);  // the bucket and two rows, told to three cursors each
+  EXPECT_EQ(table.owner->refreshes, 3 * 3);  // the bucket and two rows, told to three cursors each
   EXPECT_EQ(Ids(rows), "2 3");
   EXPECT_EQ(Ids(weeks), "1 2");
   EXPECT_EQ(weeks.Get_PhysicalIndex(), 0);
@@ -269,35 +212,6 @@ TEST_F(VXRAMCursorBucketerTest, DeletingABucketDeletesItsRowsAndLeavesTheIndex) 
   weeks.DeleteRec();
   EXPECT_EQ(weeks.Get_PhysicalIndex(), 1);  // beyond the list that is left
   EXPECT_EQ(weeks.Get_RecordID(), 1);
-}
-
-TEST_F(VXRAMCursorBucketerTest, ABracketBuildsOnceAtItsEnd) {
-  TOrders table{Row(0, "a", 1, 1), Row(7, "b", 2, 2)};
-  TVXRAMCursorBucketer& weeks = table.OpenBuckets({"Day", vxgrOneWeek, {{"Load", vxbtCumulate}}});
-  weeks.BeginUpdate();
-  table.Add(Row(1, "c", 4, 4));
-  table.Add(Row(-7, "d", 8, 8));
-  EXPECT_EQ(All(weeks, {"Load"}), "1 2");
-  weeks.SetGroupMode(vxgrOneMonth);
-  weeks.EndUpdate();
-  EXPECT_EQ(Ids(weeks), "0 1");
-  EXPECT_EQ(All(weeks, {"Load", "Day"}), "7 8|45292 45261");
-  table->BeginUpdate();
-  table.Add(Row(0, "e", 16, 16));
-  table->EndUpdate();  // the table's bracket holds insertions back, and its end builds nothing
-  EXPECT_EQ(All(weeks, {"Load"}), "7 8");
-}
-
-TEST_F(VXRAMCursorBucketerTest, ClearingTheTableLeavesTheBucketsUntilTheNextBuild) {
-  TOrders table{Row(0, "a", 1, 1), Row(7, "b", 2, 2)};
-  TVXRAMCursorBucketer& weeks = table.OpenBuckets({"Day", vxgrOneWeek, {{"Load", vxbtCumulate}}});
-  weeks.Set_RecordID(1);
-  table->ClearTable();
-  EXPECT_EQ(Ids(weeks), "0 1");
-  EXPECT_EQ(weeks.Get_PhysicalIndex(), -1);
-  weeks.EndUpdate();
-  EXPECT_EQ(Ids(weeks), "");
-  EXPECT_EQ(table->Get_AllocatedRows(), 0);
 }
 
 TEST_F(VXRAMCursorBucketerTest, DefinitionsAssignOnlyFromTheirKind) {
@@ -311,66 +225,6 @@ TEST_F(VXRAMCursorBucketerTest, DefinitionsAssignOnlyFromTheirKind) {
   EXPECT_EQ(other->Get_BucketByName("LOAD")->Get_BucketType(), vxbtAverage);
   other->Set_BucketFieldDef(0, defs->Get_BucketFieldDef(1));
   EXPECT_EQ(other->Get_BucketFieldDef(0)->GetDisplayName(), "Load");
-}
-
-// -- Quicker ways against the plain one --------------------------------------------------------------------------------
-
-std::string Describe(const TVXRAMCursorBucketer& cursor) {
-  std::string text;
-  for (std::int32_t i = 0; i < cursor.Get_BucketList()->Count(); ++i) {
-    const TVXRAMBucketInfo& bucket = *cursor.Get_BucketList()->Get_Bucket(i);
-    const TVXRAMRow* const row = bucket.Get_BucketRecord();
-    text += bucket.Get_Key() + "=" + Ids(*bucket.Get_Records()) + " ";
-    text.append(reinterpret_cast<const char*>(RowBytes(row)), static_cast<std::size_t>(TVXRAMRowPool::SizeOf(row)));
-  }
-  return text;
-}
-
-TEST_F(VXRAMCursorBucketerTest, BuildingAtOnceEqualsInsertingOneByOne) {
-  const char* const fields[] = {"Day", "Item;Day", "Load", "Count;Day", "Late;Item", "Day;Late", "Flag;Rank;Size"};
-  const double fractions[] = {0, 0, 0.25, 0.5, 0.999, 0.9999995, 0.9999999999};
-  for (std::uint32_t seed = 1; seed <= 60; ++seed) {
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 dice(seed);
-    const auto below = [&dice](std::uint32_t limit) { return static_cast<std::int32_t>(dice() % limit); };
-    TTestTable table({{"Day", vxrftDateTime},
-                      {"Item", vxrftString, 6},
-                      {"Load", vxrftFloat},
-                      {"Count", vxrftInteger},
-                      {"Late", vxrftDateTime},
-                      {"Flag", vxrftBoolean},
-                      {"Rank", vxrftSmallint},
-                      {"Size", vxrftWord}});
-    const char* const items[] = {"", "a", "A", "1", "11", "\xC3\xA9", "a\xFF"};
-    const double loads[] = {0.1 + 0.2, 0.3, -0.0, 0, 1, 11, 1e15, -2.5};
-    for (int i = 0; i < 80; ++i) {
-      TCells cells{kMonday - 400 + below(800) + fractions[below(7)],
-                   items[below(7)],
-                   loads[below(8)],
-                   below(3) * 10 + below(2),
-                   below(3) * 1.5 - 1,
-                   below(2) == 0,
-                   below(3) - 1,
-                   below(2) * 40000};
-      for (Variant& cell : cells)
-        if (below(8) == 0) cell = Null();
-      table.Add(cells);
-    }
-    TTestBuckets wish{fields[below(7)], static_cast<TVXGroupMode>(below(5)), {}, vxgrOneDay, below(2) == 0};
-    for (const char* name : {"Load", "Count"}) wish.folds.emplace_back(name, static_cast<TVXBucketType>(below(6)));
-    TVXRAMCursorBucketer& atOnce = table.OpenBuckets(wish);
-    TVXRAMCursorBucketer& oneByOne = table.OpenBuckets(wish);
-    oneByOne.ClearRecordList();
-    for (std::int32_t i = 0; i < table->Get_MainRecordList()->Count(); ++i)
-      oneByOne.Get_BucketList()->InsertRecord(static_cast<TVXRAMRow*>(table->Get_MainRecordList()->Items(i)), true);
-    EXPECT_EQ(Describe(atOnce), Describe(oneByOne)) << wish.fields << " " << +wish.mode;
-    // What is looked up by hash is what a walk over the buckets meets.
-    for (std::int32_t i = 0; i < atOnce.Get_BucketList()->Count(); ++i) {
-      TVXRAMBucketInfo* const bucket = atOnce.Get_BucketList()->Get_Bucket(i);
-      EXPECT_EQ(atOnce.FindBucketInfoByBucketRecord(bucket->Get_BucketRecord()), bucket);
-      EXPECT_EQ(atOnce.FindBucketInfoByRecordPointer(static_cast<TVXRAMRow*>(bucket->Get_Records()->Last())), bucket);
-    }
-  }
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
-// EngineSide.h: the real engine, dressed for the comparison: cursors and owners that log what they hear, values turned into its own.
+// EngineSide.h: the real engine, dressed for the comparison: cursors and owners that log what they hear, values turned
+// into its own.
 #pragma once
 
 #include <memory>

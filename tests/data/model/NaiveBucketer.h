@@ -38,7 +38,7 @@ class TBucketer : public TCursor {
 
   TRows& ActiveRecordList() override { return IsFiltered() ? filtered : virtualRows; }
   TRow* CurrentRecord() override;
-  bool CanUseIndex(const std::string&) override { return false; }
+  bool Get_CanUseIndex(const std::string&) override { return false; }
   void DeleteRec() override;
   void RecordInsertionNotification(TRow* row) override;
   void RecordDeletionNotification(TCursor* origin, TRow* row) override;

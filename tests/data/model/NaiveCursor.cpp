@@ -20,7 +20,7 @@ void TCursor::Open(const TCursorDesc& desc) {
 
 std::int32_t TCursor::RecIndex() { return Descending() ? RecordCount() - 1 - physicalIndex : physicalIndex; }
 
-void TCursor::SetRecIndex(std::int32_t recIndex) {
+void TCursor::Set_RecIndex(std::int32_t recIndex) {
   physicalIndex = Descending() ? RecordCount() - 1 - recIndex : recIndex;
 }
 
@@ -79,7 +79,7 @@ void TCursor::SetRecIndexByID(std::int32_t id) {
   }
 }
 
-std::int32_t TCursor::RecIndexById(std::int32_t id) {
+std::int32_t TCursor::Get_RecIndexById(std::int32_t id) {
   if (id == -1) return -1;
   const std::int32_t saved = physicalIndex;
   SetRecIndexByID(id);
@@ -192,7 +192,7 @@ void TCursor::Sort(const std::string& sortKeys) {
   GoToFirstRec();
 }
 
-void TCursor::SetSortedField(const std::string& sortKeys) {
+void TCursor::Set_SortedField(const std::string& sortKeys) {
   if (sortKeys == sortedField) return;
   sortedField = sortKeys;
   if (!sortKeys.empty()) InternalDoSort();
@@ -236,9 +236,7 @@ void TCursor::FilterRows(const TRows& source) {
 }
 
 bool TCursor::IsRecordMatchFilter(const TRow& row) const {
-  std::size_t field = 0;
-  while (table.fields[field].get() != filterField) ++field;
-  const TField value = table.Read(row, field);
+  const TField value = table.Read(row, table.NbOf(filterField));
   if (std::holds_alternative<TNull>(filterValue)) return !value.assigned;
   return value.assigned && EqualsFilter(filterField->type, value.bytes, filterValue);
 }

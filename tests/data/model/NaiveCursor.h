@@ -1,6 +1,7 @@
 // NaiveCursor.h: a cursor of the naive model.
 //
-// Positions are kept as the physical position in the active list, from -1 to the count; the order maps it to the record index.
+// Positions are kept as the physical position in the active list, from -1 to the count; the order maps it to the record
+// index.
 #pragma once
 
 #include <string>
@@ -46,7 +47,7 @@ class TCursor {
   bool IsFiltered() const { return filterField != nullptr || onFilter.code != 0; }
   std::int32_t RecordCount() { return static_cast<std::int32_t>(ActiveRecordList().size()); }
   std::int32_t RecIndex();
-  void SetRecIndex(std::int32_t recIndex);
+  void Set_RecIndex(std::int32_t recIndex);
   bool Eof();
   bool Bof();
   std::int32_t EffectiveRecordIndex();
@@ -57,7 +58,10 @@ class TCursor {
   std::int32_t GoToPreviousRec();
   std::int32_t RecordID();
   void SetRecIndexByID(std::int32_t id);
-  std::int32_t RecIndexById(std::int32_t id);
+  void Set_RecordID(std::int32_t id) {
+    if (id != -1) SetRecIndexByID(id);
+  }
+  std::int32_t Get_RecIndexById(std::int32_t id);
 
   // -- Values ---
   std::string GetFieldValue(std::int32_t field, std::int32_t bufferSize);  ///< told as text
@@ -70,9 +74,9 @@ class TCursor {
   virtual void DeleteRec();
 
   // -- Order and filter ---
-  virtual bool CanUseIndex(const std::string& fieldName) { return table.IndexNbByFieldName(fieldName) != -1; }
+  virtual bool Get_CanUseIndex(const std::string& fieldName) { return table.IndexNbByFieldName(fieldName) != -1; }
   void Sort(const std::string& sortKeys);
-  void SetSortedField(const std::string& sortKeys);
+  void Set_SortedField(const std::string& sortKeys);
   void SetOnFilterRecord(TRecordFilter callback);
   void SetFilter(TFieldDef* field, const TValue& value);
   void RebuildFilteredList(const TRows& source);

@@ -71,6 +71,12 @@ const TFieldDef& TTable::Field(std::int32_t field) const {
   return *fields[static_cast<std::size_t>(field)];
 }
 
+std::size_t TTable::NbOf(const TFieldDef* field) const {
+  std::size_t nb = 0;
+  while (fields[nb].get() != field) ++nb;
+  return nb;
+}
+
 // -- Rows ---
 
 TRow* TTable::NewRow() {
@@ -171,8 +177,7 @@ void TTable::ClearTable() {
 
 void TTable::ReBuild(TIndex& index) {
   if (index.field == nullptr) RaiseNil();
-  std::size_t field = 0;
-  while (fields[field].get() != index.field) ++field;
+  const std::size_t field = NbOf(index.field);
   const TType type = index.field->type;
   QuickSort(index.rows, [this, field, type](const TRow* a, const TRow* b) {
     return CompareFields(type, Read(*a, field), Read(*b, field));
@@ -184,8 +189,7 @@ void TTable::ReBuild(TIndex& index) {
 
 std::int32_t TTable::LocateFirst(const TIndex& index, const TBytes& key) const {
   if (index.field == nullptr) RaiseNil();
-  std::size_t field = 0;
-  while (fields[field].get() != index.field) ++field;
+  const std::size_t field = NbOf(index.field);
   const TType type = index.field->type;
   const bool integers = type == TType::Integer || type == TType::Duration;
   const auto valueAgainstKey = [&](std::int32_t at) {  // nulls count as what their bytes hold
@@ -206,8 +210,7 @@ std::int32_t TTable::LocateFirst(const TIndex& index, const TBytes& key) const {
 
 std::int32_t TTable::CompareBySortFields(const TRow* a, const TRow* b) const {
   for (auto def = sortFields.rbegin(); def != sortFields.rend(); ++def) {
-    std::size_t field = 0;
-    while (fields[field].get() != *def) ++field;
+    const std::size_t field = NbOf(*def);
     std::int32_t result = CompareFields((*def)->type, Read(*a, field), Read(*b, field));
     if ((*def)->sortOrder == TOrder::Descending) result = -result;
     if (result != 0) return result;

@@ -35,6 +35,7 @@ class TTable {
   std::int32_t IndexNbByFieldName(const std::string& fieldName) const;
   std::int32_t IndexNbByFieldNb(std::int32_t field) const;
   const TFieldDef& Field(std::int32_t field) const;
+  std::size_t NbOf(const TFieldDef* field) const;
   TFieldDef* Def(std::int32_t field) { return fields.at(static_cast<std::size_t>(field)).get(); }
 
   // -- Rows ---

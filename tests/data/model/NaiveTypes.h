@@ -1,7 +1,8 @@
 // NaiveTypes.h: the small words of the naive model of the data engine.
 //
-// The model is the engine told once more, as plainly as can be: vectors of rows, walks instead of look-ups, every rule a few lines.
-// It shares no code with the engine, so that a mistake has to be made twice, by two people, to stay unseen. Slow on purpose.
+// The model is the engine told once more, as plainly as can be: vectors of rows, walks instead of look-ups, every rule
+// a few lines. It shares no code with the engine, so that a mistake has to be made twice, by two people, to stay
+// unseen. Slow on purpose.
 //
 // Rows never die here: a released row is only marked, so the model may always look at it.
 #pragma once

@@ -111,16 +111,10 @@ void SortRange(TRows& rows, std::int32_t left, std::int32_t right,
 }  // namespace
 
 std::int32_t ReadInteger(TType type, const TBytes& bytes) {
-  switch (type) {
-    case TType::Boolean:
-      return Read<std::uint8_t>(bytes);
-    case TType::Smallint:
-      return Read<std::int16_t>(bytes);
-    case TType::Word:
-      return Read<std::uint16_t>(bytes);
-    default:
-      return Read<std::int32_t>(bytes);
-  }
+  if (type == TType::Boolean) return Read<std::uint8_t>(bytes);
+  if (type == TType::Smallint) return Read<std::int16_t>(bytes);
+  if (type == TType::Word) return Read<std::uint16_t>(bytes);
+  return Read<std::int32_t>(bytes);
 }
 
 double ReadDouble(const TBytes& bytes) { return Read<double>(bytes); }
@@ -135,21 +129,11 @@ std::string ReadText(const TBytes& bytes) {
 }
 
 TBytes BytesOf(TType type, double number, std::int32_t size) {
-  switch (type) {
-    case TType::Boolean:
-      return Write(static_cast<std::uint8_t>(number));
-    case TType::Smallint:
-      return Write(static_cast<std::int16_t>(number));
-    case TType::Word:
-      return Write(static_cast<std::uint16_t>(number));
-    case TType::Integer:
-    case TType::Duration:
-      return Write(static_cast<std::int32_t>(number));
-    case TType::String:
-      return BytesOf(FloatText(number), size);
-    default:
-      return Write(number);
-  }
+  if (type == TType::String) return BytesOf(FloatText(number), size);
+  if (type == TType::Boolean) return Write(static_cast<std::uint8_t>(number));
+  if (type == TType::Smallint) return Write(static_cast<std::int16_t>(number));
+  if (type == TType::Word) return Write(static_cast<std::uint16_t>(number));
+  return IsReal(type) ? Write(number) : Write(static_cast<std::int32_t>(number));
 }
 
 TBytes BytesOf(const std::string& text, std::int32_t size) {
@@ -246,19 +230,11 @@ std::string FloatText(double value) {
 
 double GroupDate(TGroupMode mode, double date, std::int32_t startOfWeek) {
   const TCivil civil = CivilOf(date);
-  switch (mode) {
-    case TGroupMode::Day:
-      return std::trunc(date);
-    case TGroupMode::Week:
-      return WeekStart(date, startOfWeek);
-    case TGroupMode::Month:
-      return DayNumber({civil.year, civil.month, 1});
-    case TGroupMode::Year:
-      return DayNumber({civil.year, 1, 1});
-    case TGroupMode::Century:
-      break;
-  }
-  return DayNumber({(civil.year + 99) / 100 * 100, 1, 1});  // named by the year that closes it
+  if (mode == TGroupMode::Day) return std::trunc(date);
+  if (mode == TGroupMode::Week) return WeekStart(date, startOfWeek);
+  if (mode == TGroupMode::Month) return DayNumber({civil.year, civil.month, 1});
+  if (mode == TGroupMode::Year) return DayNumber({civil.year, 1, 1});
+  return DayNumber({(civil.year + 99) / 100 * 100, 1, 1});  // a century is named by the year that closes it
 }
 
 double NextGroupDate(TGroupMode mode, double date, std::int32_t startOfWeek) {

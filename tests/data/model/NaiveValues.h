@@ -1,6 +1,7 @@
 // NaiveValues.h: what the bytes of a field mean, how values compare, how they read as text.
 //
-// Texts of the random test come from a small alphabet: ASCII letters, digits, "_", and the pair é/É. Folding knows just these.
+// Texts of the random test come from a small alphabet: ASCII letters, digits, "_", and the pair é/É. Folding knows just
+// these.
 #pragma once
 
 #include <functional>

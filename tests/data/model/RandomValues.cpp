@@ -15,21 +15,9 @@ const std::vector<double>& NumbersOf(TType type) {
   static const std::vector<double> kIntegers = {-1, 0, 1, 1, 2, 3, 11, 12, 2147483647, -2147483648.0};
   static const std::vector<double> kSmallints = {-32768, -1, 0, 1, 1, 2, 12, 32767};
   static const std::vector<double> kWords = {0, 1, 1, 2, 11, 12, 65535};
-  switch (type) {
-    case TType::Boolean:
-      return kFlags;
-    case TType::DateTime:
-      return kDates;
-    case TType::Duration:
-    case TType::Integer:
-      return kIntegers;
-    case TType::Smallint:
-      return kSmallints;
-    case TType::Word:
-      return kWords;
-    default:
-      return kReals;
-  }
+  static const std::vector<double>* const kNumbers[] = {&kFlags,    &kReals,     &kDates, &kIntegers, &kReals,
+                                                        &kIntegers, &kSmallints, &kReals, &kWords};
+  return *kNumbers[static_cast<std::size_t>(type)];
 }
 
 const std::vector<std::string> kTexts = {"",   "a",  "A",   "b",  "B", "_",    "\xC3\xA9", "\xC3\x89",
@@ -72,38 +60,22 @@ TBytes RandomBytes(TDice& dice, const TFieldDef& def) {
 }
 
 TValue ValueOf(const TFieldDef& def, const TBytes& bytes) {
-  switch (def.type) {
-    case TType::Boolean:
-      return bytes[0] != 0;
-    case TType::Currency:
-    case TType::Float:
-      return ReadDouble(bytes);
-    case TType::DateTime:
-      return TDate{ReadDouble(bytes)};
-    case TType::String:
-      return ReadText(bytes);
-    default:
-      return ReadInteger(def.type, bytes);
-  }
+  if (def.type == TType::Boolean) return bytes[0] != 0;
+  if (def.type == TType::Currency || def.type == TType::Float) return ReadDouble(bytes);
+  if (def.type == TType::DateTime) return TDate{ReadDouble(bytes)};
+  if (def.type == TType::String) return ReadText(bytes);
+  return ReadInteger(def.type, bytes);
 }
 
 TValue RandomFilterValue(TDice& dice) {
-  switch (dice.Below(7)) {
-    case 0:
-      return {};
-    case 1:
-      return TNull{};
-    case 2:
-      return dice.OneIn(2);
-    case 3:
-      return dice.Between(-1, 3);
-    case 4:
-      return dice.Pick(NumbersOf(TType::Float));
-    case 5:
-      return TDate{dice.Pick(NumbersOf(TType::DateTime))};
-    default:
-      return dice.Pick(kTexts);
-  }
+  const std::vector<TValue> values = {{},
+                                      TNull{},
+                                      dice.OneIn(2),
+                                      dice.Between(-1, 3),
+                                      dice.Pick(NumbersOf(TType::Float)),
+                                      TDate{dice.Pick(NumbersOf(TType::DateTime))},
+                                      dice.Pick(kTexts)};
+  return dice.Pick(values);
 }
 
 std::string ToText(const TBytes& bytes) {

@@ -1,4 +1,5 @@
-// RandomValues.h: definitions and values for the random test. Few distinct ones, so that ties and boundaries are met often.
+// RandomValues.h: definitions and values for the random test. Few distinct ones, so that ties and boundaries are met
+// often.
 #pragma once
 
 #include <string>

@@ -243,41 +243,6 @@ std::string TTwins::RealRowText(const TVXRAMRow* row) const {
   return NaiveRowText(copy);
 }
 
-std::string TTwins::NaiveState() const {
-  const auto listText = [](const TRows& rows) {
-    std::string text;
-    for (const TRow* row : rows) text += " " + NaiveRowText(*row);
-    return text;
-  };
-  std::string text =
-      "    main list:" + listText(naive.mainList) + "\n    base index:" + listText(naive.baseIndex) + "\n";
-  for (const auto& index : naive.indexes)
-    text += "    index " + (index->field != nullptr ? index->field->name : "") + ":" + listText(index->rows) + "\n";
-  for (const TCursorPair& pair : cursors)
-    text += "    " + pair.name + " at " + std::to_string(pair.naive->physicalIndex) + ":" +
-            listText(pair.naive->ActiveRecordList()) + "\n";
-  return text;
-}
-
-std::string TTwins::RealState() const {
-  const auto listText = [this](const TVXList& list) {
-    std::string text;
-    for (std::int32_t i = 0; i < list.Count(); ++i)
-      text += " " + RealRowText(static_cast<const TVXRAMRow*>(list.Items(i)));
-    return text;
-  };
-  std::string text = "    main list:" + listText(*real->Get_MainRecordList()) +
-                     "\n    base index:" + listText(*real->Get_BaseIndex()->Get_List()) + "\n";
-  for (std::int32_t i = 0; i < real->Get_Indices()->Count(); ++i) {
-    const TVXRAMIndexDef* def = real->Get_Indices()->Get_Item(i);
-    text += "    index " + def->Get_FieldName() + ":" + listText(*def->Get_Index()->Get_List()) + "\n";
-  }
-  for (const TCursorPair& pair : cursors)
-    text += "    " + pair.name + " at " + std::to_string(pair.real->Get_PhysicalIndex()) + ":" +
-            listText(*pair.real->Get_ActiveRecordList()) + "\n";
-  return text;
-}
-
 std::string TTwins::Report() const {
   std::string text = "  fields:";
   for (const auto& field : naive.fields)
@@ -285,7 +250,25 @@ std::string TTwins::Report() const {
   text += "\n  latest calls:\n";
   const std::size_t first = history_.size() > kShownCalls ? history_.size() - kShownCalls : 0;
   for (std::size_t i = first; i < history_.size(); ++i) text += "    " + history_[i] + "\n";
-  return text + "  model:\n" + NaiveState() + "  engine:\n" + RealState();
+  const auto tell = [&](const std::string& what, const TRows& rows, const TVXList& list) {
+    text += "  " + what + "\n    model: ";
+    for (const TRow* row : rows) text += " " + NaiveRowText(*row);
+    text += "\n    engine:";
+    for (std::int32_t i = 0; i < list.Count(); ++i)
+      text += " " + RealRowText(static_cast<const TVXRAMRow*>(list.Items(i)));
+    text += "\n";
+  };
+  tell("main list", naive.mainList, *real->Get_MainRecordList());
+  tell("base index", naive.baseIndex, *real->Get_BaseIndex()->Get_List());
+  for (std::size_t i = 0; i < naive.indexes.size(); ++i) {
+    const TVXRAMIndexDef* def = real->Get_Indices()->Get_Item(static_cast<std::int32_t>(i));
+    tell("index " + def->Get_FieldName(), naive.indexes[i]->rows, *def->Get_Index()->Get_List());
+  }
+  for (const TCursorPair& pair : cursors)
+    tell(pair.name + ", model at " + std::to_string(pair.naive->physicalIndex) + ", engine at " +
+             std::to_string(pair.real->Get_PhysicalIndex()),
+         pair.naive->ActiveRecordList(), *pair.real->Get_ActiveRecordList());
+  return text;
 }
 
 }  // namespace vx::naive

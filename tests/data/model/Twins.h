@@ -69,8 +69,6 @@ class TTwins {
   std::string CompareLists(const std::string& what, const TRows& expected, const TVXList& got, TRowPairs& known);
   std::string CompareRow(const TRow& expected, const TVXRAMRow* got, TRowPairs& known);
   std::string RealRowText(const TVXRAMRow* row) const;
-  std::string NaiveState() const;
-  std::string RealState() const;
 
   std::string difference_;
   std::vector<std::string> history_;
