@@ -1,5 +1,6 @@
 #include "ChartCommand.h"
 
+#include <algorithm>
 #include <array>
 #include <limits>
 #include <ostream>
@@ -7,8 +8,10 @@
 
 #include "ColumnNames.h"
 #include "InputFile.h"
+#include "Interrupt.h"
 #include "OutputFile.h"
 #include "Picture.h"
+#include "TableLoader.h"
 #include "UserError.h"
 #include "platform/chart/BarSeries.h"
 #include "platform/chart/LineSeries.h"
@@ -76,6 +79,8 @@ TChartColumns ResolveColumns(const TChartOptions& options, const std::vector<std
   if (columns.date.size() != 1 && columns.date.size() != 3)
     throw EUserError("--date " + Quoted(options.date) + " should be one column, or a year, a month and a day column");
   columns.value = NeedHeading(headings, options.value);
+  if (columns.date.size() == 1 && columns.date[0] == columns.value)
+    throw EUserError("--date and --value are the same column, " + Quoted(headings[columns.value]));
   if (!options.series.empty()) columns.series = NeedHeading(headings, options.series);
   return columns;
 }
@@ -86,8 +91,22 @@ TTypeWishes WishesFor(const TChartOptions& options, const TChartColumns& columns
   TTypeWishes wishes = options.input.wishes;
   const TColumnType datePart = columns.date.size() == 3 ? TColumnType::Integer : TColumnType::DateTime;
   for (const std::size_t column : columns.date) wishes.types.emplace_back(headings[column], datePart);
-  wishes.types.emplace_back(headings[columns.value], TColumnType::Float);
+  if (std::find(columns.date.begin(), columns.date.end(), columns.value) == columns.date.end())
+    wishes.types.emplace_back(headings[columns.value], TColumnType::Float);
   return wishes;
+}
+
+/// The columns of the table that is folded: of each record a date, the number of its series, and a value.
+TColumnPlan PlanOfPoints(const TColumnPlan& plan, const TChartColumns& columns) {
+  TColumnPlan points;
+  points.records = plan.records;
+  const std::size_t series = columns.series.value_or(columns.value);
+  for (const std::size_t column : {columns.date.front(), series, columns.value})
+    points.columns.push_back(plan.columns[column]);
+  points.columns[0].type = TColumnType::DateTime;
+  points.columns[1].type = TColumnType::Integer;
+  points.columns[2].type = TColumnType::Float;
+  return points;
 }
 
 void TellLeftOut(const TPointSet& set, std::ostream& err) {
@@ -157,6 +176,7 @@ void RunChart(const TChartOptions& options, const TStreams& streams) {
   const std::vector<std::string>& headings = source.Headings();
   const TChartColumns columns = ResolveColumns(options, headings);
   const TColumnPlan plan = PlanColumns(source, WishesFor(options, columns, headings));
+  CheckMemory(source, PlanOfPoints(plan, columns), options.input.limits);
 
   TPointSet points = ReadPoints(source, plan, columns);
   inputs.TellSkipped();
@@ -168,6 +188,7 @@ void RunChart(const TChartOptions& options, const TStreams& streams) {
 
   const auto chart = MakeChart(folded, options, options.title.value_or(DefaultTitle(options, headings[columns.value])));
   const std::string picture = Draw(*chart, options.size, kind);
+  CheckInterrupt();
   if (goesToFile) return WriteOutput(options.output, picture);
   streams.out << picture;
   FinishOutput(streams.out);

@@ -16,6 +16,7 @@ namespace vx::kestrix {
 namespace {
 
 constexpr std::size_t kMostPeriods = 50'000;
+constexpr double kLargestDrawn = 1e300;  ///< no axis reaches further
 constexpr const char* kOthers = "others";
 constexpr const char* kBlank = "(blank)";
 
@@ -45,6 +46,12 @@ std::optional<TDateTime> DateOf(const TCsvSource& source, const TColumnPlan& pla
   if (columns.size() == 3) return DateOfParts(source, plan, record, columns);
   const TCellValue date = ReadCell(source, plan, record, columns[0]);
   return IsNull(date) ? std::nullopt : std::optional(std::get<TMoment>(date).days);
+}
+
+/// A value that is also a part of the date is loaded as an integer.
+double NumberOf(const TCellValue& value) {
+  const auto* integer = std::get_if<std::int32_t>(&value);
+  return integer != nullptr ? *integer : std::get<double>(value);
 }
 
 /// Numbers names in order of first appearance.
@@ -78,7 +85,7 @@ TPointSet ReadPoints(TCsvSource& source, const TColumnPlan& plan, const TChartCo
       return;
     }
     const std::int32_t series = columns.series ? names.NumberOf(record.cells[*columns.series]) : 0;
-    set.points.push_back({*date, series, std::get<double>(value)});
+    set.points.push_back({*date, series, NumberOf(value)});
   });
   return set;
 }
@@ -181,8 +188,12 @@ TFoldedChart FoldPoints(const TPointSet& set, TVXGroupMode by, TVXBucketType agg
   std::size_t period = 0;
   while (buckets.Next()) {
     while (chart.periods[period] < buckets.Value<double>(kDate)) ++period;
-    chart.values[static_cast<std::size_t>(buckets.Value<std::int32_t>(kSeries))][period] =
-        buckets.Value<double>(kValue);
+    const auto series = static_cast<std::size_t>(buckets.Value<std::int32_t>(kSeries));
+    const auto value = buckets.Value<double>(kValue);
+    if (!(std::fabs(value) <= kLargestDrawn))
+      throw EUserError("the values of " + Quoted(chart.series[series]) + " in the period of " +
+                       CellText(TMoment{chart.periods[period], false}) + " are too large to draw");
+    chart.values[series][period] = value;
   }
   return chart;
 } catch (const EConvertError& error) {

@@ -54,7 +54,7 @@ struct TFoldedChart {
   std::vector<std::vector<std::optional<double>>> values;  ///< by series, then period
 };
 
-/// Raises EUserError if the dates span more groups than a chart can take.
+/// Raises EUserError if the dates span more groups than a chart can take, or a value is beyond what an axis can.
 TFoldedChart FoldPoints(const TPointSet& set, TVXGroupMode by, TVXBucketType aggregate);
 
 }  // namespace vx::kestrix

@@ -14,7 +14,9 @@ namespace {
 
 constexpr std::size_t kRecordsPerReport = 2048;
 
-std::string Counted(std::size_t count) { return std::to_string(count) + (count == 1 ? " value" : " values"); }
+std::string Counted(std::size_t count, const std::string& thing) {
+  return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
+}
 
 }  // namespace
 
@@ -102,7 +104,8 @@ void TCsvSource::CheckCount(const TCsvRecord& record) const {
   const std::size_t count = record.cells.size();
   if (count == headings_.size()) return;
   Fail(record, std::min(count, headings_.size()),
-       "the line has " + Counted(count) + ", but there are " + std::to_string(headings_.size()) + " columns");
+       "the line has " + Counted(count, "value") + ", but there " + (headings_.size() == 1 ? "is " : "are ") +
+           Counted(headings_.size(), "column"));
 }
 
 void TCsvSource::Skip(const EUserError& error) {

@@ -21,8 +21,10 @@ namespace vx::kestrix {
 namespace {
 
 constexpr std::size_t kBlock = std::size_t{1} << 20;
+constexpr std::size_t kMostLinks = 40;  // in a row, as the system has it
 
 [[noreturn]] void FailWriting(const std::string& path) {
+  if (errno == EINTR) CheckInterrupt();
   throw EUserError({path, 0, {}}, "cannot be written: " + std::string(std::strerror(errno)));
 }
 
@@ -32,11 +34,16 @@ std::optional<struct stat> StatusOf(const std::string& path) {
   return result == 0 ? std::optional(status) : std::nullopt;
 }
 
-/// The file that a chain of links ends at, so that the links stay.
+/// The file that a chain of links ends at, also one that isn't there yet, so that the links stay.
 std::string BehindLinks(const std::string& path) {
+  std::filesystem::path target = path;
   std::error_code error;
-  const std::filesystem::path target = std::filesystem::weakly_canonical(path, error);
-  return error ? path : target.string();
+  for (std::size_t link = 0; link < kMostLinks; ++link) {
+    if (!std::filesystem::is_symlink(target, error)) return target.string();
+    target = target.parent_path() / std::filesystem::read_symlink(target, error);
+  }
+  errno = ELOOP;
+  FailWriting(path);
 }
 
 std::string FolderOf(const std::string& path) {

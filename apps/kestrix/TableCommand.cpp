@@ -9,6 +9,7 @@
 
 #include "ColumnNames.h"
 #include "Conditions.h"
+#include "Interrupt.h"
 #include "OutputFile.h"
 #include "SortSpec.h"
 #include "UserError.h"
@@ -92,6 +93,7 @@ void ForEachRow(TQueryCursor& cursor, const TRowReader& reader, const TQuery& qu
                 Use use) {
   std::vector<TCellValue> values(query.columns.size());
   for (std::size_t count = 0; !limit || count < *limit; ++count) {
+    CheckInterrupt();
     const TVXRAMRow* const row = cursor.Next();
     if (row == nullptr) return;
     for (std::size_t i = 0; i < values.size(); ++i) values[i] = reader.Value(row, query.columns[i]);

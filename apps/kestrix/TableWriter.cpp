@@ -5,6 +5,7 @@
 #include <ostream>
 #include <utility>
 
+#include "Interrupt.h"
 #include "UserError.h"
 #include "platform/runtime/Text.h"
 
@@ -34,6 +35,7 @@ class TAlignedWriter : public ITableWriter {
 
   void End() override {
     for (std::size_t row = 0; row < rows_.size(); ++row) {
+      CheckInterrupt();
       WriteLine(rows_[row]);
       if (row == 0) WriteRule();
     }

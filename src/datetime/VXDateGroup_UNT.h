@@ -5,8 +5,8 @@
 //
 //   GetGroupDate(vxgrOneMonth, EncodeDate(2024, 2, 29))      // 2024-02-01
 //   GetNextGroupDate(vxgrOneMonth, EncodeDate(2024, 2, 29))  // 2024-03-01
-//   GetGroupDate(vxgrOneCentury, EncodeDate(1950, 7, 1))     // 2000-01-01: a century is named by the year that closes
-//   it BestGroupMode(start, start + 98)                         // vxgrOneMonth
+//   GetGroupDate(vxgrOneCentury, EncodeDate(1950, 7, 1))     // 2000-01-01: centuries are named by their last year
+//   BestGroupMode(start, start + 98)                         // vxgrOneMonth
 //
 // The table VXGroupInfo is filled when the program starts; the locale's date format is copied then, and later changes
 // of the locale don't reach it.

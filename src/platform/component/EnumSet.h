@@ -1,6 +1,6 @@
 // EnumSet.h: a set of members of an enumeration, as a value of one word.
 //
-//   TSetOf<TComponentState> state = {csLoading, csReading};
+//   TSetOf<TComponentStateFlag> state = {csLoading, csReading};
 //   state.Include(csDesigning);
 //   state.Has(csReading);           // true
 //

@@ -79,7 +79,7 @@ struct TFree {
   void operator()(TObject* object) const noexcept { object->FreeAnyway(); }
 };
 
-/// Sole owner of an object. `reset()` and the end of scope never raise; `Take(handle)->Free()` may.
+/// Sole owner of an object. `reset()` and the end of scope never raise; `handle.release()->Free()` may.
 template <class T>
 using TOwned = std::unique_ptr<T, TFree>;
 

@@ -23,6 +23,12 @@ TEST(Output, ReplacesAFileAndNothingElse) {
   struct stat status = {};
   ASSERT_EQ(stat(target.c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 0777, 0640u);
+
+  // A link to a file that isn't there yet stays too.
+  ASSERT_EQ(symlink("later.csv", folder.Path("early.csv").c_str()), 0);
+  EXPECT_EQ(RunProgram({"table", "--format", "csv", "-o", folder.Path("early.csv")}, "a\n2\n").code, kSuccess);
+  EXPECT_EQ(folder.Read("later.csv"), "a\n2\n");
+  EXPECT_EQ(folder.List(), "early.csv later.csv link.csv out.csv");
 }
 
 TEST(Output, IsNeverAnInputUnderAnyName) {
