@@ -154,8 +154,8 @@ TEST(ChartCommand, WritesAPng) {
 // -- SQLite as a second judge -----------------------------------------------------------------------------------------
 
 #if KESTRIX_WITH_SQLITE
-/// What SQLite's shell answers to a query of a file that it has read by itself into "orders": a line each, columns with a
-/// blank between.
+/// What SQLite's shell answers to a query of a file that it has read by itself into "orders": a line each, columns with
+/// a blank between.
 std::vector<std::string> AskShell(const std::string& path, const std::string& sql) {
   const std::string command =
       "sqlite3 -separator ' ' -cmd '.import --csv \"" + path + "\" orders' :memory: \"" + sql + "\"";
