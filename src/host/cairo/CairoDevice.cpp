@@ -4,11 +4,15 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <new>
 #include <numbers>
 
-#include "host/cairo/FileOutput.h"
 #include "platform/runtime/Text.h"
 
 namespace vx {
@@ -154,7 +158,31 @@ std::string TCairoDevice::EncodePng() const {
   return bytes;
 }
 
-void TCairoDevice::SaveToFile(const std::string& path) const { WriteFileAtomically(path, EncodePng()); }
+namespace {
+
+/// A device or a pipe is written to; only a plain file gives way to a new one.
+bool IsPlainOrMissing(const std::string& path) {
+  std::error_code ignored;
+  const auto type = std::filesystem::status(path, ignored).type();
+  return type == std::filesystem::file_type::regular || type == std::filesystem::file_type::not_found;
+}
+
+}  // namespace
+
+void TCairoDevice::SaveToFile(const std::string& path) const {
+  const std::string png = EncodePng();
+  const bool replaces = IsPlainOrMissing(path);
+  const std::string beside = replaces ? path + ".part" : path;
+  errno = 0;
+  std::ofstream file(beside, std::ios::binary);
+  file.write(png.data(), static_cast<std::streamsize>(png.size()));
+  const bool wasOpen = file.is_open();
+  file.close();
+  if (file && (!replaces || std::rename(beside.c_str(), path.c_str()) == 0)) return;
+  const std::string reason = std::strerror(errno);
+  if (replaces && wasOpen) std::remove(beside.c_str());
+  throw EGraphicError("Cannot write " + path + ": " + reason);
+}
 
 // -- Clip ------------------------------------------------------------------------------------------------------------
 
