@@ -11,10 +11,7 @@ bool Folds(TVXRAMFieldType type) {
 }
 
 double Sum(double a, double b) { return a + b; }
-/// 32-bit sums wrap.
-std::int32_t Sum(std::int32_t a, std::int32_t b) {
-  return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) + static_cast<std::uint32_t>(b));
-}
+std::int32_t Sum(std::int32_t a, std::int32_t b) { return WrappingAdd(a, b); }
 
 void AddStatus(const TVXRAMRow* row, const TVXRAMFieldSlot& slot, TVXRAMRow* target) {
   std::uint8_t& status = RowBytes(target)[slot.statusOffset];

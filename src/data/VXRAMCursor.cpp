@@ -5,15 +5,6 @@
 
 namespace vx {
 
-namespace {
-
-/// Positions that make no sense wrap.
-std::int32_t WrappingSubtract(std::int32_t a, std::int32_t b) {
-  return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) - static_cast<std::uint32_t>(b));
-}
-
-}  // namespace
-
 // -- TVXRAMFilter -----------------------------------------------------------------------------------------------------
 
 const TClass& TVXRAMFilter::StaticClass() {

@@ -235,7 +235,6 @@ class TVXRAMCursor : public TPersistent {
  protected:
   ~TVXRAMCursor() override;
   void ReleaseMemory() override;
-  void Set_PhysicalIndex(std::int32_t value) { physicalIndex_ = value; }
   TVXList& FilteredList() const { return *filteredList_; }
   /// Null once the cursor is made.
   TVXRAMCursorDesc* Desc() const { return desc_; }

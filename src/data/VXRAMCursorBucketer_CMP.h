@@ -244,9 +244,7 @@ class TVXRAMCursorBucketer : public TVXRAMCursor {
   void CalcBucketedFieldValue(const TVXRAMRow* row, std::string& key) const;
   /// The date that a bucket shows for a source date: start or last day of its group.
   TDateTime BucketDate(TDateTime date) const;
-  std::int32_t GenerateUniqueID() {
-    return std::exchange(nextBucketId_, static_cast<std::int32_t>(static_cast<std::uint32_t>(nextBucketId_) + 1));
-  }
+  std::int32_t GenerateUniqueID() { return CountOn(nextBucketId_); }
 
   // -- Settings: stored alone; the next build honours them ------------------------------------------------------------
   std::int32_t Get_BucketedFieldCount() const;

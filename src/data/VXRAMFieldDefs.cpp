@@ -4,6 +4,7 @@
 
 #include "data/VXRAMTable_CMP.h"
 #include "platform/component/Published.h"
+#include "platform/runtime/Wrapping.h"
 
 namespace vx {
 
@@ -16,11 +17,6 @@ void GuardFieldDefs(const TVXRAMTable* table) {
 }
 
 bool IsLoading(const TVXRAMTable* table) { return table != nullptr && table->Is(csLoading); }
-
-/// Sums of sizes wrap, as every 32-bit sum of the engine; a layout that wrapped is never used for a row.
-std::int32_t WrappingAdd(std::int32_t a, std::int32_t b) {
-  return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) + static_cast<std::uint32_t>(b));
-}
 
 }  // namespace
 
@@ -56,6 +52,12 @@ TVXRAMTable* TVXRAMFieldDef::Get_Table() const {
 void TVXRAMFieldDef::StoreByteSize(std::int32_t value) {
   byteSize_ = value;
   if (TVXRAMFieldDefs* const owner = Get_Owner()) owner->LayoutChanged();
+}
+
+void TVXRAMFieldDef::TakeOver(const TVXRAMFieldDef& other) {
+  dataType_ = other.dataType_;
+  StoreByteSize(other.byteSize_);
+  name_ = other.name_;
 }
 
 void TVXRAMFieldDef::Set_ByteSize(std::int32_t value) {
@@ -118,13 +120,7 @@ void TVXRAMFieldDefs::Assign(const TPersistent* source) {
   const auto* const defs = As<TVXRAMFieldDefs>(source);
   if (defs == nullptr) return TCollection::Assign(source);
   Clear();
-  for (std::int32_t i = 0; i < defs->Count(); ++i) {
-    TVXRAMFieldDef& copy = *Add();
-    const TVXRAMFieldDef& original = *defs->Get_Item(i);
-    copy.dataType_ = original.dataType_;
-    copy.StoreByteSize(original.byteSize_);
-    copy.name_ = original.name_;
-  }
+  for (std::int32_t i = 0; i < defs->Count(); ++i) Add()->TakeOver(*defs->Get_Item(i));
 }
 
 TVXRAMFieldDef* TVXRAMFieldDefs::Add() {
@@ -136,11 +132,7 @@ TVXRAMFieldDef* TVXRAMFieldDefs::Get_Item(std::int32_t index) const { return Cas
 
 void TVXRAMFieldDefs::Set_Item(std::int32_t index, const TVXRAMFieldDef* value) {
   GuardFieldDefs(table_);
-  TVXRAMFieldDef& item = *Get_Item(index);
-  const TVXRAMFieldDef& original = Need(value, "field definition");
-  item.dataType_ = original.dataType_;
-  item.StoreByteSize(original.byteSize_);
-  item.name_ = original.name_;
+  Get_Item(index)->TakeOver(Need(value, "field definition"));
 }
 
 std::int32_t TVXRAMFieldDefs::Get_RecSize() const {

@@ -82,6 +82,8 @@ class TVXRAMFieldDef : public TCollectionItem {
   friend class TVXRAMFieldRef;
 
   void StoreByteSize(std::int32_t value);
+  /// Type, size and name as they are, without any check.
+  void TakeOver(const TVXRAMFieldDef& other);
 
   std::int32_t byteSize_ = 1;
   TVXRAMFieldType dataType_ = vxrftBoolean;

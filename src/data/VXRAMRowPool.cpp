@@ -29,7 +29,6 @@ std::uint8_t* TVXRAMRowPool::Cut(std::size_t bytes) {
     slabs_.emplace_back(std::make_unique_for_overwrite<std::uint8_t[]>(slab), slab);
     next_ = slabs_.back().first.get();
     left_ = slab;
-    slabBytes_ += static_cast<std::int64_t>(slab);
     nextSlab_ = std::min(nextSlab_ * 2, kLargestSlab);
   }
   std::uint8_t* const cut = next_;

@@ -35,8 +35,6 @@ class TVXRAMRowPool {
 
   /// Rows that were allocated and not released, listed anywhere or not.
   std::int64_t LiveRows() const { return live_; }
-  /// Bytes asked of the system.
-  std::int64_t SlabBytes() const { return slabBytes_; }
 
   /// Size with which a live row was allocated, in bytes; negative for a released one. Null raises ENilAccess.
   static std::int32_t SizeOf(const TVXRAMRow* row) {
@@ -61,7 +59,6 @@ class TVXRAMRowPool {
   // By size: a chain of released rows, linked through their bytes.
   std::unordered_map<std::int32_t, std::uint8_t*> released_;
   std::int64_t live_ = 0;
-  std::int64_t slabBytes_ = 0;
 };
 
 // -- Bytes of a row, never beyond its own size ------------------------------------------------------------------------

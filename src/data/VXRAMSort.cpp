@@ -75,10 +75,6 @@ std::uint64_t NumberKey(const TVXRAMRow* row, const TVXRAMFieldSlot& slot) {
   }
 }
 
-bool IsAscii(std::string_view text) {
-  return std::none_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
-}
-
 /// Eight bytes from `at` on as a number, the first byte highest; zeros behind the text's end.
 std::uint64_t WordAt(std::string_view text, std::size_t at) {
   std::uint64_t word = 0;

@@ -12,10 +12,6 @@ namespace vx {
 
 namespace {
 
-TVXRAMCursor* CursorAt(const TVXList& cursors, std::int32_t index) {
-  return static_cast<TVXRAMCursor*>(cursors.Items(index));
-}
-
 TVXRAMRow* NeedRow(TVXRAMRow* row) { return &Need(row, "row"); }
 const TVXRAMRow* NeedRow(const TVXRAMRow* row) { return &Need(row, "row"); }
 
@@ -28,30 +24,6 @@ void CheckNotReleased(const TVXRAMRow* row) {
 }
 
 }  // namespace
-
-/// A walk over the cursors that were open when it began: who leaves meanwhile is passed over, who joins is not called.
-class TVXRAMTable::TCursorWalk {
- public:
-  explicit TCursorWalk(TVXRAMTable& table) : table_(table), end_(table.cursors_->Count()), outer_(table.walks_) {
-    table_.walks_ = this;
-  }
-  TCursorWalk(const TCursorWalk&) = delete;
-  TCursorWalk& operator=(const TCursorWalk&) = delete;
-  ~TCursorWalk() { table_.walks_ = outer_; }
-
-  TVXRAMCursor* Next() { return next_ < end_ ? CursorAt(*table_.cursors_, next_++) : nullptr; }
-  void Left(std::int32_t position) {
-    if (position < next_) --next_;
-    if (position < end_) --end_;
-  }
-  TCursorWalk* Outer() const { return outer_; }
-
- private:
-  TVXRAMTable& table_;
-  std::int32_t next_ = 0;
-  std::int32_t end_;
-  TCursorWalk* outer_;
-};
 
 // -- Life -------------------------------------------------------------------------------------------------------------
 
@@ -67,8 +39,7 @@ TVXRAMTable::TVXRAMTable(TComponent* owner)
       mainRecordList_(Make<TVXList>()),
       fieldDefs_(Make<TVXRAMFieldDefs>(this)),
       indices_(Make<TVXRAMIndexDefs>(this)),
-      baseIndex_(Make<TVXRAMBaseIndex>(this)),
-      cursors_(Make<TVXList>()) {}
+      baseIndex_(Make<TVXRAMBaseIndex>(this)) {}
 
 TVXRAMTable::~TVXRAMTable() {
   // Definitions look at the table as they go: while all of it is there.
@@ -77,16 +48,19 @@ TVXRAMTable::~TVXRAMTable() {
 }
 
 void TVXRAMTable::BeforeDestruction() {
-  const std::int32_t count = cursors_->Count();
+  const std::int32_t count = Get_CursorCount();
   // Kept: each cursor leaves the list as it is freed, so that with two or more the walk runs beyond the list's end.
-  for (std::int32_t i = 0; i < count; ++i) CursorAt(*cursors_, i)->Free();
+  for (std::int32_t i = 0; i < count; ++i) {
+    if (i >= Get_CursorCount()) RaiseListError(kListIndexError, i);
+    cursors_[static_cast<std::size_t>(i)]->Free();
+  }
   TComponent::BeforeDestruction();
 }
 
 void TVXRAMTable::TearDown() {
   closed_ = true;
-  while (cursors_->Count() > 0) {
-    TVXRAMCursor* const cursor = CursorAt(*cursors_, 0);
+  while (!cursors_.Empty()) {
+    TVXRAMCursor* const cursor = cursors_[0];
     cursor->FreeAnyway();
     CursorFreed(cursor);  // one that was being freed already hasn't left
   }
@@ -189,21 +163,17 @@ void TVXRAMTable::OpenCursor(TClassOf<TVXRAMCursor> cursorClass, TVXRAMCursorDes
   const TTableOperation running(*this);
   TOwned<TVXRAMCursor> made = cursorClass.Make(this, index, desc);
   if (closed_) throw EInvalidOperation("A table that is being freed opens no cursors");
-  cursors_->Add(made.get());
+  cursors_.Add(made.get());
   cursor = made.release();
 }
 
 void TVXRAMTable::CloseCursor(TVXRAMCursor*& cursor) {
   TVXRAMCursor* const closing = std::exchange(cursor, nullptr);
   // Kept: a stranger's cursor is left alive.
-  if (closing != nullptr && cursors_->IndexOf(closing) != -1) closing->Free();
+  if (closing != nullptr && cursors_.Contains(closing)) closing->Free();
 }
 
-void TVXRAMTable::CursorFreed(TVXRAMCursor* cursor) {
-  const std::int32_t position = cursors_->Remove(cursor);
-  if (position < 0) return;
-  for (TCursorWalk* walk = walks_; walk != nullptr; walk = walk->Outer()) walk->Left(position);
-}
+void TVXRAMTable::CursorFreed(TVXRAMCursor* cursor) { cursors_.Remove(cursor); }
 
 void TVXRAMTable::IndexFreed(TOwned<TVXRAMUserIndex> index) {
   for (TVXRAMCursor* const cursor : made_)
@@ -216,12 +186,6 @@ void TVXRAMTable::LeaveStrayIndexes() {
     const auto* const index = As<TVXRAMUserIndex>(cursor->index_);
     if (index != nullptr && index->Table() != this) cursor->index_ = nullptr;
   }
-}
-
-template <class News>
-void TVXRAMTable::TellCursors(const News& tell) {
-  TCursorWalk walk(*this);
-  while (TVXRAMCursor* const cursor = walk.Next()) tell(*cursor);
 }
 
 // -- Bracket ----------------------------------------------------------------------------------------------------------
@@ -276,7 +240,7 @@ std::int32_t TVXRAMTable::AddRecord(std::int32_t index, std::int32_t& recordId) 
     const std::int32_t at = indices_->Get_Item(i)->Get_Index()->list_->Add(row);
     if (i == index) result = at;
   }
-  TellCursors([row](TVXRAMCursor& cursor) { cursor.RecordInsertionNotification(row); });
+  cursors_.ForEach([row](TVXRAMCursor& cursor) { cursor.RecordInsertionNotification(row); });
   return result;
 }
 
@@ -326,7 +290,7 @@ std::int32_t TVXRAMTable::AddRecordAndValues(const TVXRecordStruct& record, std:
     userIndex.ReBuild();
     if (i == index) result = at;
   }
-  TellCursors([row](TVXRAMCursor& cursor) { cursor.RecordInsertionNotification(row); });
+  cursors_.ForEach([row](TVXRAMCursor& cursor) { cursor.RecordInsertionNotification(row); });
   return result;
 }
 
@@ -342,7 +306,7 @@ void TVXRAMTable::DeleteRecord(TVXRAMCursor* origin, TVXRAMRow* row) {
   CheckNesting();
   baseIndex_->Remove(row);
   for (std::int32_t i = 0; i < indices_->Count(); ++i) indices_->Get_Item(i)->Get_Index()->Remove(row);
-  TellCursors([origin, row](TVXRAMCursor& cursor) { cursor.RecordDeletionNotification(origin, row); });
+  cursors_.ForEach([origin, row](TVXRAMCursor& cursor) { cursor.RecordDeletionNotification(origin, row); });
   // Kept: a row that stood in the base index alone stays allocated.
   if (mainRecordList_->Remove(row) >= 0) ReleaseRow(row);
 }
@@ -366,12 +330,12 @@ void TVXRAMTable::ClearTable() {
   if (ReleaseAll(*baseIndex_->list_) == 0) ReleaseAll(*mainRecordList_);
   mainRecordList_->Clear();
   for (std::int32_t i = 0; i < indices_->Count(); ++i) indices_->Get_Item(i)->Get_Index()->Clear();
-  TellCursors([](TVXRAMCursor& cursor) { cursor.TableClearingNotification(); });
+  cursors_.ForEach([](TVXRAMCursor& cursor) { cursor.TableClearingNotification(); });
 }
 
 bool TVXRAMTable::IsNamed(const TVXRAMRow* row) const {
-  for (std::int32_t i = 0; i < cursors_->Count(); ++i)
-    if (CursorAt(*cursors_, i)->NamesRow(row)) return true;
+  for (std::size_t i = 0; i < cursors_.Count(); ++i)
+    if (cursors_[i]->NamesRow(row)) return true;
   return false;
 }
 
@@ -562,7 +526,7 @@ void TVXRAMTable::IndexRebuildingNotification(TVXRAMIndex* index) {
   CheckNesting();
   const TVXRAMIndexDef& definition = Need(userIndex->Get_IndexDef(), "index definition");
   const std::string name = definition.Get_FieldName();
-  TellCursors([&name](TVXRAMCursor& cursor) {
+  cursors_.ForEach([&name](TVXRAMCursor& cursor) {
     const TVXRAMFieldDef* const field = cursor.Get_Filter()->Get_Field();
     if (field != nullptr && field->Get_Name() == name) cursor.IndexRebuildingNotification();
   });

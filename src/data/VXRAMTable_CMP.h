@@ -42,6 +42,8 @@
 #include "data/VXRAMRowPool.h"
 #include "data/VXRAMTypes.h"
 #include "platform/component/Component.h"
+#include "platform/component/ListenerList.h"
+#include "platform/runtime/Wrapping.h"
 
 namespace vx {
 
@@ -86,7 +88,7 @@ class TVXRAMTable : public TComponent {
     cursor = nullptr;
     CloseCursor(base);
   }
-  std::int32_t Get_CursorCount() const { return cursors_->Count(); }
+  std::int32_t Get_CursorCount() const { return static_cast<std::int32_t>(cursors_.Count()); }
 
   // -- Bracket --------------------------------------------------------------------------------------------------------
   void BeginUpdate();
@@ -122,9 +124,7 @@ class TVXRAMTable : public TComponent {
   /// Kept: does nothing. Deletion is physical.
   void Pack() {}
 
-  std::int32_t GenerateUniqueID() {
-    return std::exchange(nextId_, static_cast<std::int32_t>(static_cast<std::uint32_t>(nextId_) + 1));
-  }
+  std::int32_t GenerateUniqueID() { return CountOn(nextId_); }
   /// Rows of the base index.
   std::int32_t Get_RecCount() const { return baseIndex_->Get_RecCount(); }
   /// Bytes of one row. O(1) between changes of the definitions.
@@ -191,8 +191,6 @@ class TVXRAMTable : public TComponent {
   friend class TVXRAMIndexDef;
   friend class TVXRAMIndexDefs;
 
-  class TCursorWalk;
-
   // -- For cursors and indexes
   /// Raises if the element's type isn't the definition's.
   void CheckFieldType(std::int32_t field, const TVXFieldStruct& element) const {
@@ -231,8 +229,6 @@ class TVXRAMTable : public TComponent {
   std::int32_t CompareSortField(const TVXRAMRow* first, const TVXRAMRow* second, TVXRAMFieldType type) const;
   std::int32_t ReleaseAll(TVXList& rows);
   bool IsNamed(const TVXRAMRow* row) const;
-  template <class News>
-  void TellCursors(const News& tell);
   /// Something waits for the end of the outermost operation.
   bool HasMoreToDo() const { return !droppedRows_.empty() || !waiting_.empty() || released_; }
   void EndOperation();
@@ -247,7 +243,7 @@ class TVXRAMTable : public TComponent {
   TOwned<TVXRAMFieldDefs> fieldDefs_;
   TOwned<TVXRAMIndexDefs> indices_;
   TOwned<TVXRAMBaseIndex> baseIndex_;
-  TOwned<TVXList> cursors_;
+  TListenerList<TVXRAMCursor> cursors_;  // the open ones, in the order of their opening
   std::int32_t nextId_ = 0;
   std::int32_t updateCounter_ = 0;
 
@@ -255,8 +251,7 @@ class TVXRAMTable : public TComponent {
   bool released_ = false;            // the memory goes with the last operation and cursor
   std::vector<TVXRAMCursor*> made_;  // all that were made on this table, opened by it or not
   static constexpr std::int32_t kMostNested = 1000;
-  std::int32_t operations_ = 0;   // nesting of TTableOperation
-  TCursorWalk* walks_ = nullptr;  // walks over the cursors that are under way, innermost first
+  std::int32_t operations_ = 0;  // nesting of TTableOperation
   bool idsAreUnique_ = true;
   std::vector<TVXRAMRow*> droppedRows_;         // to be released when the outermost operation ends
   std::vector<TVXRAMRow*> heldRows_;            // dropped, but named by a cursor

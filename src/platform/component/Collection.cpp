@@ -4,6 +4,7 @@
 
 #include "platform/component/Published.h"
 #include "platform/runtime/List.h"
+#include "platform/runtime/Wrapping.h"
 
 namespace vx {
 
@@ -210,8 +211,7 @@ void TCollection::Enter(TCollectionItem& item) {
   items_.push_back(&item);
   item.collection_ = this;
   item.index_ = Count() - 1;
-  item.id_ = nextID_;
-  nextID_ = static_cast<std::int32_t>(static_cast<std::uint32_t>(nextID_) + 1);
+  item.id_ = CountOn(nextID_);
   ItemsMoved();
 }
 

@@ -21,7 +21,6 @@ namespace vx {
 [[noreturn]] void RaiseListError(const char* format, std::int64_t value);
 inline constexpr char kListIndexError[] = "List index out of bounds (%d)";
 inline constexpr char kListCapacityError[] = "List capacity out of bounds (%d)";
-inline constexpr char kListCountError[] = "List count out of bounds (%d)";
 
 class TList : public TObject {
  public:

@@ -170,10 +170,6 @@ std::string MapAscii(std::string_view text) {
   return answer;
 }
 
-bool IsAscii(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), [](char byte) { return static_cast<std::uint8_t>(byte) < 0x80; });
-}
-
 /// Byte by byte after `Map`, from `at` on.
 template <std::uint8_t (*Map)(std::uint8_t)>
 std::int32_t CompareMapped(std::string_view a, std::string_view b) {
@@ -275,6 +271,10 @@ char32_t NextCodePoint(std::string_view text, std::size_t& at) {
 void AppendCodePoint(std::string& text, char32_t code) {
   std::array<char, 4> bytes;
   text.append(bytes.data(), Encode(code, bytes.data()));
+}
+
+bool IsAscii(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char byte) { return static_cast<std::uint8_t>(byte) < 0x80; });
 }
 
 bool IsValidUtf8(std::string_view text) {

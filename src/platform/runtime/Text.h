@@ -73,6 +73,8 @@ char32_t NextCodePoint(std::string_view text, std::size_t& at);
 /// Appends the UTF-8 of `code`; of a malformed one its byte.
 void AppendCodePoint(std::string& text, char32_t code);
 
+/// No byte above 0x7F.
+bool IsAscii(std::string_view text);
 bool IsValidUtf8(std::string_view text);
 /// Number of code points, each malformed byte counted as one.
 std::size_t CodePointCount(std::string_view text);
