@@ -20,7 +20,7 @@ class TVXList : public TList {
   static const TClass& StaticClass();
   const TClass& ClassType() const override { return StaticClass(); }
 
-  /// Sorts by the engine's quicksort, whose moves are fixed (VXRAMSort.h). Not stable. `compare` is called as often and
+  /// Sorts by the engine's quicksort, whose moves are fixed (QuickSort.h). Not stable. `compare` is called as often and
   /// in the order of those moves. It may raise, which leaves the list half sorted with every item still in it; answers
   /// that contradict each other end in the list's range error or in some order, never beyond the list.
   void SortEx(const TVXListSortCompareMethod& compare);
