@@ -1,9 +1,12 @@
 #include "datetime/VXDateFunc_UNT.h"
 
+#include <algorithm>
 #include <cstddef>
 
 #include "platform/runtime/Locale.h"
 #include "platform/runtime/NumberText.h"
+#include "platform/runtime/StringResources.h"
+#include "platform/runtime/Text.h"
 
 namespace vx {
 
@@ -12,25 +15,37 @@ std::int32_t GVXFirstWeekTriggerDay = 1;
 
 namespace {
 
-constexpr std::string_view kAmPm = "AMPM";
+/// Filled at the unit's start and by each translation.
+std::array<std::string, 8> unitTexts;
+std::int32_t unitUsers = 0;
 
-char Upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+void LoadUnitTexts() {
+  constexpr std::array<std::int32_t, 8> kIds = {14659, 14660, 14661, 14662, 14663, 14664, 14669, 14670};
+  if (unitUsers > 0) std::transform(kIds.begin(), kIds.end(), unitTexts.begin(), LoadStr);
+}
+
+}  // namespace
+
+const std::array<std::string, 8>& DurUnitString = unitTexts;
+
+namespace {
+
+constexpr std::string_view kAmPm = "AMPM";
 
 // Format letters are single bytes, and no byte of a longer UTF-8 character looks like one. So runs are found by bytes,
 // and characters are only counted where a position is told or a character is skipped.
 
-/// Bytes of the character at `at`; a malformed one counts byte by byte.
+/// Bytes of the character at `at`.
 std::size_t CharacterSize(std::string_view text, std::size_t at) {
-  std::size_t end = at + 1;
-  if ((static_cast<unsigned char>(text[at]) & 0xC0u) != 0xC0u) return 1;
-  while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0u) == 0x80u) ++end;
+  std::size_t end = at;
+  NextCodePoint(text, end);
   return end - at;
 }
 
 /// Length of the run of the upper-case `letter` at `at`.
 std::size_t RunLength(std::string_view text, std::size_t at, char letter) {
   std::size_t end = at;
-  while (end < text.size() && Upper(text[end]) == letter) ++end;
+  while (end < text.size() && UpperAscii(text[end]) == letter) ++end;
   return end - at;
 }
 
@@ -39,6 +54,46 @@ std::string_view DateField(char letter, std::size_t run) {
   if (letter == 'M') return run <= 2 ? "mm" : run == 3 ? "mmm" : "";
   if (letter == 'D') return run <= 2 ? "dd" : "";
   return run == 2 ? "yy" : run == 4 ? "yyyy" : "";
+}
+
+/// The same in a mask: digits, and letters for a month's name.
+std::string_view DateMaskField(char letter, std::size_t run) {
+  constexpr std::string_view kDigits = "9999";
+  const std::string_view field = DateField(letter, run);
+  return field == "mmm" ? "aaa" : kDigits.substr(0, field.size());
+}
+
+/// Walks a date format: `field` makes text of the runs of M, D and Y that begin before `end`, `other` of the other
+/// bytes.
+template <class TField, class TOther>
+std::string WalkDateFormat(std::string_view format, std::size_t end, TField field, TOther other) {
+  std::string result;
+  for (std::size_t at = 0; at < end;) {
+    const char letter = UpperAscii(format[at]);
+    if (letter == 'M' || letter == 'D' || letter == 'Y') {
+      const std::size_t run = RunLength(format, at, letter);
+      result += field(letter, run);
+      at += run;
+    } else {
+      result += other(format[at++]);
+    }
+  }
+  return result;
+}
+
+/// Where the last character begins.
+// Kept: a mask is made of what begins before it, so yyyy/M/d has no digits for the day.
+std::size_t LastCharacter(std::string_view format) {
+  std::size_t at = format.empty() ? 0 : format.size() - 1;
+  while (at > 0 && (static_cast<unsigned char>(format[at]) & 0xC0u) == 0x80u) --at;
+  return at;
+}
+
+/// A mask with nothing typed.
+std::string Blanked(std::string mask) {
+  std::replace_if(
+      mask.begin(), mask.end(), [](char c) { return c == '9' || UpperAscii(c) == 'A'; }, ' ');
+  return mask;
 }
 
 std::string_view TimeField(char letter) { return letter == 'H' ? "hh" : letter == 'M' ? "mm" : "ss"; }
@@ -65,26 +120,18 @@ std::int32_t WeeksInYear(std::uint16_t year) {
 
 namespace VXDateFunc_UNT {
 
-// -- Formats --------------------------------------------------------------------------------------------------------
+// -- Formats and masks ------------------------------------------------------------------------------------------------
 
 std::int32_t ComputeNbChar(char character, std::int32_t start, std::string_view text) {
   if (start < 1 || static_cast<unsigned char>(character) >= 0x80) return 0;
   std::size_t at = 0;
   while (--start > 0 && at < text.size()) at += CharacterSize(text, at);
-  return static_cast<std::int32_t>(RunLength(text, at, Upper(character)));
+  return static_cast<std::int32_t>(RunLength(text, at, UpperAscii(character)));
 }
 
 std::string GetDateFormat() {
   const std::string_view format = Locale().ShortDateFormat;
-  std::string result;
-  for (std::size_t at = 0; at < format.size();) {
-    const char letter = Upper(format[at]);
-    const bool isField = letter == 'M' || letter == 'D' || letter == 'Y';
-    const std::size_t run = isField ? RunLength(format, at, letter) : 1;
-    result += isField ? DateField(letter, run) : format.substr(at, 1);
-    at += run;
-  }
-  return result;
+  return WalkDateFormat(format, format.size(), DateField, [](char c) { return c; });
 }
 
 std::string GetTimeFormat() {
@@ -96,7 +143,7 @@ std::string GetTimeFormat() {
       at = AppendAmPm(result, format, at);
       continue;
     }
-    const char letter = Upper(format[at]);
+    const char letter = UpperAscii(format[at]);
     const bool isField = letter == 'H' || letter == 'M' || letter == 'S';
     result += isField ? TimeField(letter) : format.substr(at, 1);
     at += isField ? RunLength(format, at, letter) : 1;
@@ -108,10 +155,54 @@ std::string GetDateTimeFormat() { return GetDateFormat() + " " + GetTimeFormat()
 
 bool Is24HoursFormat() { return Locale().LongTimeFormat.find(kAmPm) == std::string::npos; }
 
-// -- Text -----------------------------------------------------------------------------------------------------------
+std::string GetSysDateMask() {
+  const std::string_view format = Locale().ShortDateFormat;
+  return WalkDateFormat(format, LastCharacter(format), DateMaskField,
+                        [separator = Locale().DateSeparator](char c) { return c == separator ? '/' : c; });
+}
+
+std::string GetSysTimeMask() {
+  const TLocaleSettings& locale = Locale();
+  const std::string_view format = locale.LongTimeFormat;
+  const std::size_t end = LastCharacter(format);
+  std::string mask;
+  for (std::size_t at = 0; at < end;) {
+    const char letter = UpperAscii(format[at]);
+    if (letter == 'A') {
+      mask.append(std::max(CodePointCount(locale.TimeAMString), CodePointCount(locale.TimePMString)), 'a');
+      for (std::size_t skipped = 0; skipped < kAmPm.size() && at < format.size(); ++skipped)
+        at += CharacterSize(format, at);
+    } else if (letter == 'H' || letter == 'N' || letter == 'M' || letter == 'S') {
+      mask += "99";
+      at += RunLength(format, at, letter);
+    } else {
+      mask += format[at] == locale.TimeSeparator ? ':' : format[at];
+      ++at;
+    }
+  }
+  return mask;
+}
+
+std::string GetSysDateTimeMask() { return GetSysDateMask() + " " + GetSysTimeMask(); }
+
+// -- Dates to text ----------------------------------------------------------------------------------------------------
 
 std::string SysDateToStr(TDateTime date) { return FormatDateTime(GetDateTimeFormat(), date); }
 std::string SysDateToDateStr(TDateTime date) { return FormatDateTime(GetDateFormat(), date); }
+
+// Kept: without a blank the text is a time, not a date.
+std::string ExtractDate(std::string_view dateTime) {
+  const std::size_t blank = dateTime.find(' ');
+  return std::string(blank == std::string_view::npos ? std::string_view() : dateTime.substr(0, blank));
+}
+
+std::string ExtractTime(std::string_view dateTime) {
+  return std::string(dateTime.substr(dateTime.rfind(' ') + 1));  // npos + 1 is 0
+}
+
+std::string GetEmptyDateTime() { return Blanked(GetSysDateTimeMask()); }
+std::string GetEmptyDate(std::string_view dateTime) { return Blanked(GetSysDateMask()) + " " + ExtractTime(dateTime); }
+std::string GetEmptyTime(std::string_view dateTime) { return ExtractDate(dateTime) + " " + Blanked(GetSysTimeMask()); }
 
 // -- Weeks ----------------------------------------------------------------------------------------------------------
 
@@ -138,6 +229,34 @@ std::uint8_t DateToWeekNumber(TDateTime date, std::uint16_t& year) {
   return 1;
 }
 
+// -- Start and end ----------------------------------------------------------------------------------------------------
+
+void InitializeUnit() {
+  if (unitUsers++ > 0) return;
+  GVXStartOfWeek = 1;
+  GVXFirstWeekTriggerDay = 1;
+  LoadUnitTexts();
+}
+
+void FinalizeUnit() {
+  if (unitUsers == 0 || --unitUsers > 0) return;
+  unitTexts.fill({});
+}
+
 }  // namespace VXDateFunc_UNT
+
+namespace {
+
+/// The program's own use of the unit.
+struct TUnitUse {
+  TUnitUse() {
+    FollowResourceStrings(LoadUnitTexts);
+    VXDateFunc_UNT::InitializeUnit();
+  }
+  ~TUnitUse() { VXDateFunc_UNT::FinalizeUnit(); }
+};
+const TUnitUse unitUse;
+
+}  // namespace
 
 }  // namespace vx

@@ -18,9 +18,14 @@ namespace {
 constexpr std::size_t kModes = 5;
 constexpr std::int32_t kFirstNameId = 14672;
 
-/// Filled at the unit's start. Its numbers stay when the texts are released.
+/// Filled at the unit's start, its names by each translation too. Its numbers stay when the texts are released.
 std::array<TVXGroupInfo, kModes> groupTable;
 std::int32_t unitUsers = 0;
+
+void LoadNames() {
+  if (unitUsers == 0) return;
+  for (std::int32_t id = kFirstNameId; TVXGroupInfo & row : groupTable) row.Name = LoadStr(id++);
+}
 
 }  // namespace
 
@@ -126,7 +131,7 @@ void InitializeUnit() {
                  {"", 12, 6, 30.0, "mmm yyyy"},
                  {"", 200, 7, 365.0, "yyyy"},
                  {"", 99, 8, 36516.0, "yyyy"}}};
-  for (std::int32_t id = kFirstNameId; TVXGroupInfo & row : groupTable) row.Name = LoadStr(id++);
+  LoadNames();
 }
 
 void FinalizeUnit() {
@@ -143,7 +148,10 @@ namespace {
 
 /// The program's own use of the unit.
 struct TUnitUse {
-  TUnitUse() { VXDateGroup_UNT::InitializeUnit(); }
+  TUnitUse() {
+    FollowResourceStrings(LoadNames);
+    VXDateGroup_UNT::InitializeUnit();
+  }
   ~TUnitUse() { VXDateGroup_UNT::FinalizeUnit(); }
 };
 const TUnitUse unitUse;

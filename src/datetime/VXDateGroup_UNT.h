@@ -9,7 +9,7 @@
 //   BestGroupMode(start, start + 98)                         // vxgrOneMonth
 //
 // The table VXGroupInfo is filled when the program starts; the locale's date format is copied then, and later changes
-// of the locale don't reach it.
+// of the locale don't reach it. Its names follow a translation of the texts.
 //
 // Errors. A month, year or century of a date outside the years 1 to 9999 raises EConvertError, as does a group that
 // would begin there. A mode that isn't one of the five raises ENilAccess where its row is asked for.
@@ -69,7 +69,7 @@ double GetGroupDateHorizon(TVXGroupMode mode, TDateTime from, TDateTime to, bool
 /// Fills the table on the first of several calls. The program's start makes the first.
 void InitializeUnit();
 /// Releases the table's texts on the last of as many calls. The program's end makes the last. A pair of FinalizeUnit
-/// and InitializeUnit reads the locale and the names anew.
+/// and InitializeUnit reads the locale anew.
 void FinalizeUnit();
 
 }  // namespace VXDateGroup_UNT

@@ -81,8 +81,13 @@ std::string DateTimeToStr(TDateTime date);  ///< by "c"
 /// numbers and a separator at the end are skipped. A year of one or two digits is 2000 to 2039, or 1940 to 1999. Raises
 /// EConvertError.
 TDateTime StrToDate(std::string_view text);
+/// False, and `date` untouched, where StrToDate would raise.
+bool TryStrToDate(std::string_view text, TDateTime& date);
 /// Reads hours, then minutes, seconds and, behind DecimalSeparator, a fraction of a second, each of which may be
-/// missing. A sign for the half of the day (the locale's, or AM and PM) stands at either end. Raises EConvertError.
+/// missing. A sign for the half of the day (the locale's, or AM and PM) stands at either end, or between two numbers in
+/// place of the separator or in front of it. Raises EConvertError.
 TDateTime StrToTime(std::string_view text);
+/// False, and `time` untouched, where StrToTime would raise.
+bool TryStrToTime(std::string_view text, TDateTime& time);
 
 }  // namespace vx

@@ -6,6 +6,7 @@
 
 #include "platform/runtime/DateTime.h"
 #include "platform/runtime/Locale.h"
+#include "platform/runtime/Text.h"
 
 namespace vx {
 
@@ -13,8 +14,6 @@ namespace {
 
 constexpr std::size_t kUsualLength = 31;
 constexpr std::array<std::string_view, 3> kAmPmFields = {"AMPM", "AM/PM", "A/P"};
-
-char Upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 
 bool IsQuote(char c) { return c == '\'' || c == '"'; }
 
@@ -28,7 +27,7 @@ std::string_view AmPmFieldAt(std::string_view format, std::size_t at) {
   for (const std::string_view field : kAmPmFields) {
     const std::string_view here = format.substr(at, field.size());
     if (std::equal(here.begin(), here.end(), field.begin(), field.end(),
-                   [](char left, char right) { return Upper(left) == right; }))
+                   [](char left, char right) { return UpperAscii(left) == right; }))
       return field;
   }
   return {};
@@ -37,14 +36,14 @@ std::string_view AmPmFieldAt(std::string_view format, std::size_t at) {
 bool HasAmPm(std::string_view format) {
   for (std::size_t at = 0; at < format.size(); ++at) {
     if (IsQuote(format[at])) at = ClosingQuote(format, at);
-    if (at < format.size() && Upper(format[at]) == 'A' && !AmPmFieldAt(format, at).empty()) return true;
+    if (at < format.size() && UpperAscii(format[at]) == 'A' && !AmPmFieldAt(format, at).empty()) return true;
   }
   return false;
 }
 
 /// End of the run of the upper-case `letter` at `at`.
 std::size_t RunEnd(std::string_view format, std::size_t at, char letter) {
-  while (at < format.size() && Upper(format[at]) == letter) ++at;
+  while (at < format.size() && UpperAscii(format[at]) == letter) ++at;
   return at;
 }
 
@@ -63,7 +62,7 @@ class TDatePrinter {
     const bool twelveHours = HasAmPm(format);
     char lastField = 0;
     for (std::size_t at = 0; at < format.size();) {
-      const char letter = Upper(format[at]);
+      const char letter = UpperAscii(format[at]);
       if (IsQuote(letter)) {
         at = AppendQuoted(format, at);
       } else if (letter == 'A') {

@@ -33,6 +33,17 @@ class TScanner {
     return rest_.empty();
   }
 
+  bool AtDigit() {
+    SkipBlanks();
+    return !rest_.empty() && IsDigit(rest_.front());
+  }
+
+  /// Something that is neither a number, a separator of times nor the end.
+  bool AtWord() {
+    if (AtEnd() || AtDigit()) return false;
+    return rest_.front() != Locale().TimeSeparator && rest_.front() != Locale().DecimalSeparator;
+  }
+
   /// A number of up to nine digits.
   std::optional<TNumber> Number() {
     SkipBlanks();
@@ -145,10 +156,21 @@ std::optional<std::int32_t> ReadFraction(TScanner& scanner) {
   return number->value * kScale[number->digits];
 }
 
+/// A sign for the half of the day, if none was seen before. At the end of the text it is the whole rest, so that a
+/// locale's sign "a" doesn't break "am" in two.
+bool ReadHalf(TScanner& scanner, THalf& half) {
+  if (half != THalf::None || !scanner.AtWord()) return false;
+  half = FindHalf([&scanner](std::string_view word) { return scanner.WordAtEnd(word); });
+  if (half == THalf::None) half = FindHalf([&scanner](std::string_view word) { return scanner.WordInFront(word); });
+  return half != THalf::None;
+}
+
 /// Hours, then minutes and seconds as far as there are any.
-bool ReadClock(TScanner& scanner, std::array<std::int32_t, 3>& clock) {
+bool ReadClock(TScanner& scanner, THalf& half, std::array<std::int32_t, 3>& clock) {
   for (std::size_t field = 0; field < clock.size(); ++field) {
-    if (field > 0 && !scanner.Separator(Locale().TimeSeparator)) return true;
+    const bool signBefore = ReadHalf(scanner, half);
+    const bool separated = field > 0 && scanner.Separator(Locale().TimeSeparator);
+    if (field > 0 && !separated && !(signBefore && scanner.AtDigit())) return true;
     const auto number = scanner.Number();
     if (!number) return false;
     clock[field] = number->value;
@@ -158,11 +180,11 @@ bool ReadClock(TScanner& scanner, std::array<std::int32_t, 3>& clock) {
 
 std::optional<TDateTime> ReadTime(std::string_view text) {
   TScanner scanner(text);
-  THalf half = FindHalf([&scanner](std::string_view word) { return scanner.WordInFront(word); });
+  THalf half = THalf::None;
   std::array<std::int32_t, 3> clock{};
-  if (!ReadClock(scanner, clock)) return std::nullopt;
+  if (!ReadClock(scanner, half, clock)) return std::nullopt;
   const auto millisecond = ReadFraction(scanner);
-  if (half == THalf::None) half = FindHalf([&scanner](std::string_view word) { return scanner.WordAtEnd(word); });
+  ReadHalf(scanner, half);
   TDateTime time = 0;
   if (!millisecond || !scanner.AtEnd() ||
       !TryEncodeTime(HourOf(clock[0], half), clock[1], clock[2], *millisecond, time))
@@ -171,6 +193,18 @@ std::optional<TDateTime> ReadTime(std::string_view text) {
 }
 
 }  // namespace
+
+bool TryStrToDate(std::string_view text, TDateTime& date) {
+  const auto read = ReadDate(text);
+  date = read.value_or(date);
+  return read.has_value();
+}
+
+bool TryStrToTime(std::string_view text, TDateTime& time) {
+  const auto read = ReadTime(text);
+  time = read.value_or(time);
+  return read.has_value();
+}
 
 TDateTime StrToDate(std::string_view text) {
   if (const auto date = ReadDate(text)) return *date;

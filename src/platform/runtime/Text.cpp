@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 
 #include "platform/runtime/CaseFoldTable.h"
@@ -25,7 +26,7 @@ constexpr std::uint8_t AsciiLower(std::uint8_t byte) {
   return byte >= 'A' && byte <= 'Z' ? static_cast<std::uint8_t>(byte + 32) : byte;
 }
 constexpr std::uint8_t AsciiUpper(std::uint8_t byte) {
-  return byte >= 'a' && byte <= 'z' ? static_cast<std::uint8_t>(byte - 32) : byte;
+  return static_cast<std::uint8_t>(UpperAscii(static_cast<char>(byte)));
 }
 
 // -- Eight bytes at a time --------------------------------------------------------------------------------------------
@@ -50,6 +51,21 @@ std::uint64_t FirstByteHighest(std::uint64_t word) {
   std::uint64_t answer = 0;
   for (const std::uint8_t byte : bytes) answer = answer << 8 | byte;
   return answer;
+}
+
+/// Up to eight bytes from `at` (below the size) on, the first highest, zeros behind the text's end.
+std::uint64_t EightAt(std::string_view text, std::size_t at) {
+  std::uint64_t word = 0;
+  if (text.size() - at >= 8)
+    word = LoadEight(text.data() + at);
+  else
+    std::memcpy(&word, text.data() + at, text.size() - at);
+  return FirstByteHighest(word);
+}
+
+/// `byte` as the one at `at` (0 to 7) of eight.
+std::uint64_t PlacedByte(char byte, std::size_t at) {
+  return std::uint64_t{static_cast<std::uint8_t>(byte)} << (56 - 8 * at);
 }
 
 /// Walks over the common folded beginning as long as both sides are ASCII, whole words only. Answers a difference or 0.
@@ -219,17 +235,27 @@ std::string FoldCase(std::string_view text) {
   return answer;
 }
 
-std::uint64_t FoldPrefix8(std::string_view text) {
+std::uint64_t FoldPrefix8(std::string_view text) { return FoldEight(text, 0); }
+
+std::uint64_t FoldEight(std::string_view text, std::size_t at) {
+  if (IsAscii(text.substr(0, at + 8))) return at < text.size() ? LowerEight(EightAt(text, at)) : 0;
   std::uint64_t word = 0;
-  if (text.size() >= 8)
-    word = LoadEight(text.data());
-  else if (!text.empty())
-    std::memcpy(&word, text.data(), text.size());
-  if ((word & kHighBits) == 0) return FirstByteHighest(LowerEight(word));
-  std::array<char, 16> folded{};
+  std::array<char, 8> bytes;
   std::size_t size = 0;
-  for (std::size_t at = 0; at < text.size() && size < 8;) size += EncodeFolded(NextFolded(text, at), &folded[size]);
-  return FirstByteHighest(LoadEight(folded.data()));
+  for (std::size_t next = 0; next < text.size() && size < at + 8;) {
+    const std::size_t count = EncodeFolded(NextFolded(text, next), bytes.data());
+    for (std::size_t i = 0; i < count; ++i, ++size)
+      if (size >= at && size < at + 8) word |= PlacedByte(bytes[i], size - at);
+  }
+  return word;
+}
+
+std::uint64_t FoldSlotPrefix8(const char* text, std::size_t room) {
+  if (room < 8) return FoldPrefix8({text, strnlen(text, room)});
+  std::uint64_t word = FirstByteHighest(LoadEight(text));
+  const std::uint64_t notZero = ((word & ~kHighBits) + ~kHighBits) | word;  // the high bit of each byte that isn't 0
+  if (const std::uint64_t zeros = ~notZero & kHighBits) word &= ~(~std::uint64_t{0} >> std::countl_zero(zeros));
+  return (word & kHighBits) == 0 ? LowerEight(word) : FoldPrefix8({text, strnlen(text, room)});
 }
 
 // -- Letter case ------------------------------------------------------------------------------------------------------

@@ -47,11 +47,19 @@ std::string FoldCase(std::string_view text);
 /// prefixes differ they are in the order of the texts; where they are equal nothing is known yet.
 std::uint64_t FoldPrefix8(std::string_view text);
 
+/// The eight bytes of FoldCase from `at` on, in the same way.
+std::uint64_t FoldEight(std::string_view text, std::size_t at);
+
+/// FoldPrefix8 of a text that ends at its first zero byte, or after `room` bytes if it has none.
+std::uint64_t FoldSlotPrefix8(const char* text, std::size_t room);
+
 // -- Letter case ------------------------------------------------------------------------------------------------------
 
 /// One code point becomes one code point, so "ß" stays; malformed bytes stay.
 std::string AnsiUpperCase(std::string_view text);
 std::string AnsiLowerCase(std::string_view text);
+/// One letter of ASCII; any other byte stays.
+constexpr char UpperAscii(char byte) { return byte >= 'a' && byte <= 'z' ? static_cast<char>(byte - 32) : byte; }
 /// Letters of ASCII only.
 std::string UpperCase(std::string_view text);
 std::string LowerCase(std::string_view text);
