@@ -15,10 +15,9 @@
 #include <numeric>
 #include <unordered_map>
 
+#include "FilledTable.h"
 #include "Sqlite.h"
-#include "TableData.h"
 #include "Timing.h"
-#include "data/VXRAMCursorBucketer_CMP.h"
 #include "datetime/VXDateFunc_UNT.h"
 #include "platform/runtime/Locale.h"
 
@@ -28,49 +27,6 @@ using namespace vx;
 using namespace bench;
 
 // -- The engine -------------------------------------------------------------------------------------------------------
-
-/// A table with one open cursor.
-struct TFilledTable {
-  TOwned<TVXRAMTable> table = Make<TVXRAMTable>(nullptr);
-  TVXRAMCursor* cursor = nullptr;
-
-  TFilledTable() = default;
-  TFilledTable(TFilledTable&&) = default;
-  ~TFilledTable() {
-    if (table != nullptr) table->CloseCursor(cursor);
-  }
-  void OpenCursor() {
-    TVXRAMCursorDesc wish(nullptr, -1, vxrcoAscending, "", nullptr, Variant());
-    table->OpenCursor(nullptr, &wish, cursor);
-  }
-};
-
-enum { kFlag, kAmount, kDate, kNumber, kText, kSmall };
-
-std::unique_ptr<TFilledTable> TableOf(const std::vector<TPlainRow>& rows) {
-  auto filled = std::make_unique<TFilledTable>();
-  TVXRAMTable& table = *filled->table;
-  AddField(table, "Flag", vxrftBoolean);
-  AddField(table, "Amount", vxrftFloat);
-  AddField(table, "Date", vxrftDateTime);
-  AddField(table, "Number", vxrftInteger);
-  AddField(table, "Text", vxrftString, kTextSize);
-  AddField(table, "Small", vxrftSmallint);
-  filled->OpenCursor();
-  const auto record = table.NewRecord();
-  for (const TPlainRow& row : rows) {
-    std::int32_t id = kNoRecordId;
-    record->Field(kFlag).AssignValue<std::uint8_t>(row.flag);
-    record->Field(kAmount).AssignValue(row.amount);
-    record->Field(kDate).AssignValue(row.date);
-    record->Field(kNumber).AssignValue(row.number);
-    std::memcpy(record->Field(kText).StringPtr, row.text, kTextSize);
-    record->Field(kText).IsNull = false;
-    record->Field(kSmall).AssignValue(row.small);
-    table.AddRecordAndValues(*record, -2, -1, id, /*append=*/true);
-  }
-  return filled;
-}
 
 TWork EngineInsert() {
   auto source = std::make_shared<std::vector<TPlainRow>>(MakeRows());
@@ -110,29 +66,6 @@ TWork EngineFilter() {
               }};
 }
 
-constexpr TVXBucketType kFolds[] = {vxbtCumulate, vxbtMinValue,    vxbtMaxValue,
-                                    vxbtAverage,  vxbtFirstBucket, vxbtLastBucket};
-
-std::string FoldName(TVXBucketType type) { return "Value" + std::to_string(type); }
-
-/// The value stands in six fields, one for each aggregate.
-std::shared_ptr<TFilledTable> EventTable() {
-  auto filled = std::make_shared<TFilledTable>();
-  TVXRAMTable& table = *filled->table;
-  AddField(table, "Date", vxrftDateTime);
-  AddField(table, "Item", vxrftInteger);
-  for (const TVXBucketType type : kFolds) AddField(table, FoldName(type), vxrftFloat);
-  const auto record = table.NewRecord();
-  for (const TPlainEvent& event : MakeEvents()) {
-    std::int32_t id = kNoRecordId;
-    record->Field(0).AssignValue(event.date);
-    record->Field(1).AssignValue(event.item);
-    for (std::int32_t i = 2; i < 8; ++i) record->Field(i).AssignValue(event.value);
-    table.AddRecordAndValues(*record, -2, -1, id, /*append=*/true);
-  }
-  return filled;
-}
-
 std::string CheckGroups(double groups, double total) {
   if (groups != static_cast<double>(kGroups)) return Differs("groups", static_cast<double>(kGroups), groups);
   return std::abs(total - kGroupsTotal) < 0.1 ? "" : Differs("total", kGroupsTotal, total);
@@ -147,16 +80,10 @@ std::string CheckBuckets(TVXRAMCursor& cursor) {
 }
 
 TWork EngineBucket() {
-  std::shared_ptr<TFilledTable> filled = EventTable();
-  auto folds = std::shared_ptr<TVXBucketFieldDefs>(Make<TVXBucketFieldDefs>(nullptr));
-  for (const TVXBucketType type : kFolds) folds->Add(FoldName(type), type);
+  std::shared_ptr<TFilledTable> filled = EventTableOf(MakeEvents());
+  const auto folds = SixFolds();
   return {.before = [=] { filled->table->CloseCursor(filled->cursor); },
-          .body =
-              [=] {
-                TVXRAMCursorBucketerDesc wish(nullptr, -1, vxrcoAscending, "Date;Item", nullptr, Variant(), folds.get(),
-                                              vxgrOneDay, vxgrOneWeek, "Date;Item", /*bucketByStartOfGroup=*/true);
-                filled->table->OpenCursor(TClassOf<TVXRAMCursor>::Of<TVXRAMCursorBucketer>(), &wish, filled->cursor);
-              },
+          .body = [=] { OpenWeekBuckets(*filled, *folds); },
           .after = [=] { return CheckBuckets(*filled->cursor); }};
 }
 

@@ -1,5 +1,6 @@
-#include <cmath>
+#include <utility>
 
+#include "data/VXRAMBucketBuilder.h"
 #include "data/VXRAMBucketFold.h"
 #include "data/VXRAMCursorBucketer_CMP.h"
 
@@ -25,7 +26,10 @@ const TVXRAMCursorBucketer& TVXRAMBucketInfo::Cursor() const {
   return Need(Need(Get_List(), "list of the bucket").Get_Cursor(), "cursor of the bucket");
 }
 
-void TVXRAMBucketInfo::UpdateBucketValues() { TVXRAMBucketFold(Cursor()).Compute(*this); }
+void TVXRAMBucketInfo::UpdateBucketValues() {
+  Cursor();  // raises for a bucket that is in no list any more
+  Get_List()->Compute(*this);
+}
 
 TDateTime TVXRAMBucketInfo::GetCurrentRecordDate(const TVXRAMRow* row) const {
   const TVXRAMFieldDef* const field = Cursor().Get_BucketedDateFieldDef();
@@ -44,21 +48,29 @@ TVXRAMBucketList::TVXRAMBucketList(TVXRAMCursorBucketer* cursor)
       cursor_(cursor),
       bucketRecords_(Make<TVXList>()) {}
 
+TVXRAMBucketList::~TVXRAMBucketList() = default;
+
 TVXRAMBucketInfo* TVXRAMBucketList::GetBucketByID(const std::string& key) const {
   const auto at = byKey_.find(key);
   return at == byKey_.end() ? nullptr : at->second;
 }
 
 TVXRAMBucketInfo* TVXRAMBucketList::Add(const std::string& key) {
-  if (TVXRAMBucketInfo* const known = GetBucketByID(key)) return known;
+  const auto [at, isNew] = byKey_.try_emplace(key);
+  return isNew ? MakeBucket(at) : at->second;
+}
+
+TVXRAMBucketInfo* TVXRAMBucketList::MakeBucket(TBucketsByKey::iterator at) try {
   TVXRAMRow* const bucketRecord = Need(cursor_, "cursor of the buckets").MakeBucketRecord();
   auto* const bucket = static_cast<TVXRAMBucketInfo*>(TCollection::Add());
-  bucket->key_ = key;
+  bucket->key_ = at->first;
   bucket->bucketRecord_ = bucketRecord;
-  bucketRecords_->Add(bucket->bucketRecord_);
-  byKey_.emplace(key, bucket);
-  byBucketRecord_.emplace(bucket->bucketRecord_, bucket);
-  return bucket;
+  bucketRecords_->Add(bucketRecord);
+  byBucketRecord_.emplace(bucketRecord, bucket);
+  return at->second = bucket;
+} catch (...) {
+  byKey_.erase(at);
+  throw;
 }
 
 void TVXRAMBucketList::BucketFreed(TVXRAMBucketInfo& bucket) {
@@ -103,9 +115,10 @@ void TVXRAMBucketList::ItemsMoved() {
 
 // -- Source rows ------------------------------------------------------------------------------------------------------
 
-void TVXRAMBucketList::TakeRow(TVXRAMBucketInfo& bucket, TVXRAMRow* row) {
+TVXRAMBucketInfo& TVXRAMBucketList::TakeRow(TVXRAMBucketInfo& bucket, TVXRAMRow* row) {
   bucket.records_->Add(row);
   if (recordsAreMapped_ && !byRecord_.emplace(row, &bucket).second) recordsRepeat_ = true;
+  return bucket;
 }
 
 void TVXRAMBucketList::DropRow(TVXRAMBucketInfo& bucket, TVXRAMRow* row) {
@@ -133,12 +146,19 @@ TVXRAMBucketInfo* TVXRAMBucketList::FindByRecord(const TVXRAMRow* row) {
   return at == byRecord_.end() ? nullptr : at->second;
 }
 
-void TVXRAMBucketList::InsertRecord(TVXRAMRow* row, bool update) {
+void TVXRAMBucketList::InsertRecord(TVXRAMRow* row, bool update) { Insert(row, update); }
+
+TVXRAMBucketInfo& TVXRAMBucketList::Insert(TVXRAMRow* row, bool update) {
   std::string key;
   Need(cursor_, "cursor of the buckets").CalcBucketedFieldValue(row, key);
   TVXRAMBucketInfo& bucket = *Add(key);
-  TakeRow(bucket, row);
-  if (update && !cursor_->Get_IsUpdating()) bucket.UpdateBucketValues();
+  if (!update || cursor_->Get_IsUpdating())
+    TakeRow(bucket, row);
+  else if (Fold(); IsComputed(bucket))
+    Extend(bucket, row);
+  else
+    Compute(TakeRow(bucket, row));
+  return bucket;
 }
 
 void TVXRAMBucketList::DeleteRecord(TVXRAMRow* row) {
@@ -148,80 +168,61 @@ void TVXRAMBucketList::DeleteRecord(TVXRAMRow* row) {
   bucket->UpdateBucketValues();
 }
 
-void TVXRAMBucketList::UpdateAllBuckets() {
-  TVXRAMBucketFold fold(*cursor_);
-  for (std::int32_t i = 0; i < Count(); ++i) fold.Compute(*Get_Bucket(i));
+// -- Values -----------------------------------------------------------------------------------------------------------
+
+const TVXRAMBucketFold& TVXRAMBucketList::Fold() {
+  auto present = std::make_unique<TVXRAMBucketFold>(Need(cursor_, "cursor of the buckets"));
+  if (fold_ == nullptr || !(*fold_ == *present)) {
+    fold_ = std::move(present);
+    ++generation_;
+  }
+  return *fold_;
 }
 
-// -- Many rows at once ------------------------------------------------------------------------------------------------
+void TVXRAMBucketList::MarkComputed(TVXRAMBucketInfo& bucket) const {
+  bucket.state_.stamp = cursor_->Table().Get_ChangeStamp();
+  bucket.state_.changes = bucket.records_->Changes();
+  bucket.state_.generation = generation_;
+}
 
-/// Finds the buckets of many rows without making the text of each key: rows whose bucketed fields have the same bytes
-/// (dates: the same bucket date) have the same text, so that a text is made for each new combination only.
-class TVXRAMBucketList::TRowKeys {
- public:
-  explicit TRowKeys(TVXRAMBucketList& list) : list_(list), cursor_(*list.cursor_), dates_(kDates) {
-    for (std::int32_t i = 0; i < cursor_.Get_BucketedFieldCount(); ++i)
-      if (const TVXRAMFieldDef* const field = cursor_.Get_BucketedRAMFieldDef(i)) slots_.push_back(field->Get_Slot());
+/// Whether the bucket's row is still what its source rows make of it: nothing was written since, no row came or went,
+/// and the rules are the same.
+bool TVXRAMBucketList::IsComputed(const TVXRAMBucketInfo& bucket) const {
+  const TVXRAMBucketState& state = bucket.state_;
+  return state.rows > 0 && state.changes == bucket.records_->Changes() &&
+         state.stamp == cursor_->Table().Get_ChangeStamp() && state.generation == generation_;
+}
+
+void TVXRAMBucketList::Compute(TVXRAMBucketInfo& bucket) {
+  const TVXRAMBucketFold& fold = Fold();
+  cursor_->KnownSort().Forget();
+  fold.Compute(bucket);
+  MarkComputed(bucket);
+}
+
+void TVXRAMBucketList::Extend(TVXRAMBucketInfo& bucket, TVXRAMRow* row) {
+  cursor_->KnownSort().Forget();
+  TakeRow(bucket, row);
+  fold_->Extend(bucket, row);
+  MarkComputed(bucket);
+}
+
+void TVXRAMBucketList::UpdateAllBuckets() {
+  const TVXRAMBucketFold& fold = Fold();
+  cursor_->KnownSort().Forget();
+  for (std::int32_t i = 0; i < Count(); ++i) {
+    fold.Compute(*Get_Bucket(i));
+    MarkComputed(*Get_Bucket(i));
   }
+}
 
-  TVXRAMBucketInfo& BucketOf(const TVXRAMRow* row) {
-    combination_.clear();
-    for (const TVXRAMFieldSlot& slot : slots_) AppendBytes(row, slot);
-    const auto known = buckets_.find(combination_);
-    if (known != buckets_.end()) return *known->second;
-    std::string key;
-    cursor_.CalcBucketedFieldValue(row, key);
-    TVXRAMBucketInfo* const bucket = list_.Add(key);
-    buckets_.emplace(combination_, bucket);
-    return *bucket;
-  }
-
- private:
-  static constexpr std::size_t kDates = 1024;
-  struct TKnownDate {
-    double day = NAN;
-    TDateTime bucketDate = 0;
-  };
-
-  void AppendBytes(const TVXRAMRow* row, const TVXRAMFieldSlot& slot) {
-    if (slot.type == vxrftDateTime) {
-      const TDateTime date = BucketDate(RowValue<TDateTime>(row, slot));
-      combination_.append(reinterpret_cast<const char*>(&date), sizeof date);
-    } else if (slot.type == vxrftString) {
-      combination_.append(RowText(row, slot)).push_back('\0');
-    } else if (RowHolds(row, slot)) {
-      combination_.append(reinterpret_cast<const char*>(RowBytes(row)) + slot.valueOffset,
-                          static_cast<std::size_t>(slot.size));
-    } else {
-      combination_.append(static_cast<std::size_t>(slot.size), '\0');
-    }
-  }
-
-  /// All times of a day share their bucket, but for the last milliseconds, which may round up into the next day.
-  TDateTime BucketDate(TDateTime date) {
-    constexpr double kAlmostMidnight = 0.999999;
-    if (!(date >= 0 && date < 4e6)) return cursor_.BucketDate(date);
-    const double day = std::trunc(date);
-    if (date - day > kAlmostMidnight) return cursor_.BucketDate(date);
-    TKnownDate& known = dates_[static_cast<std::size_t>(day) % kDates];
-    if (known.day != day) known = {day, cursor_.BucketDate(day)};
-    return known.bucketDate;
-  }
-
-  TVXRAMBucketList& list_;
-  const TVXRAMCursorBucketer& cursor_;
-  std::vector<TVXRAMFieldSlot> slots_;
-  std::vector<TKnownDate> dates_;
-  std::string combination_;
-  std::unordered_map<std::string, TVXRAMBucketInfo*> buckets_;
-};
-
-void TVXRAMBucketList::InsertAll(const TVXList& rows) {
-  TRowKeys keys(*this);
-  for (std::int32_t i = 0; i < rows.Count(); ++i) {
-    auto* const row = static_cast<TVXRAMRow*>(rows.Items(i));
-    TakeRow(keys.BucketOf(row), row);
-  }
+void TVXRAMBucketList::Build(const TVXList& rows, bool compute) {
+  if (!compute) return TVXRAMBucketBuilder(*this, rows, nullptr).Run();
+  const TVXRAMBucketFold& fold = Fold();
+  const bool streams = fold.CanStream();
+  TVXRAMBucketBuilder(*this, rows, streams ? &fold : nullptr).Run();
+  if (!streams) return UpdateAllBuckets();
+  for (std::int32_t i = 0; i < Count(); ++i) MarkComputed(*Get_Bucket(i));
 }
 
 }  // namespace vx

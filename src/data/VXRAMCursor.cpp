@@ -1,6 +1,8 @@
 #include "data/VXRAMCursor.h"
 
 #include "data/VXRAMFilterMatch.h"
+#include "data/VXRAMIndex.h"
+#include "data/VXRAMRowSearch.h"
 #include "data/VXRAMTable_CMP.h"
 
 namespace vx {
@@ -29,7 +31,10 @@ void TVXRAMFilter::Set_Value(const Variant& value) {
   Changed();
 }
 
-void TVXRAMFilter::Changed() { OnChange(this); }
+void TVXRAMFilter::Changed() {
+  ++changes_;
+  OnChange(this);
+}
 
 // -- TVXRAMCursorDesc -------------------------------------------------------------------------------------------------
 
@@ -95,9 +100,11 @@ TVXRAMIndex* TVXRAMCursor::Get_Index() const { return index_; }
 
 // -- Lists ------------------------------------------------------------------------------------------------------------
 
-TVXList* TVXRAMCursor::Get_InternalRecordList() const {
+TVXList* TVXRAMCursor::SharedList() const {
   return index_ == nullptr ? table_->Get_MainRecordList() : index_->Get_List();
 }
+
+TVXList* TVXRAMCursor::Get_InternalRecordList() const { return SharedList(); }
 
 TVXList* TVXRAMCursor::Get_ActiveRecordList() const {
   return Get_IsFiltered() ? filteredList_.get() : Get_InternalRecordList();
@@ -175,14 +182,25 @@ std::int32_t TVXRAMCursor::FindById(const TVXList& list, std::int32_t id) const 
     return table_->InternalGetRecordID(static_cast<const TVXRAMRow*>(list.Items(at))) == id;
   };
   const std::int32_t count = list.Count();
-  // Where no id stands twice, a row that was just appended, or that hasn't moved, needs no walk.
+  // Where no id stands twice, a row that was just appended, that hasn't moved, or that can be searched needs no walk.
   if (table_->IdsAreUnique() && count > 0) {
     if (stands(count - 1)) return count - 1;
     if (physicalIndex_ >= 0 && physicalIndex_ < count && stands(physicalIndex_)) return physicalIndex_;
+    const std::int32_t at = SearchById(list, id);
+    if (at >= 0 && stands(at)) return at;
   }
   for (std::int32_t i = 0; i < count; ++i)
     if (stands(i)) return i;
   return -1;
+}
+
+std::int32_t TVXRAMCursor::SearchById(const TVXList& list, std::int32_t id) const {
+  if (id == kNoRecordId) return -1;  // the id of nulls, too
+  const std::int32_t at = SearchId(list, id);
+  if (at >= 0 || index_ == nullptr || &list != index_->Get_List()) return at;
+  const TVXList& rows = *table_->Get_MainRecordList();
+  const std::int32_t inMainList = SearchId(rows, id);
+  return inMainList < 0 ? -1 : index_->SearchKeyOf(static_cast<const TVXRAMRow*>(rows.Items(inMainList)));
 }
 
 void TVXRAMCursor::SetRecIndexByID(std::int32_t id) { physicalIndex_ = FindById(*Get_ActiveRecordList(), id); }
@@ -265,6 +283,7 @@ void TVXRAMCursor::InsertRecWithValues(const TVXRecordStruct& record, bool appen
 
 void TVXRAMCursor::UpdateRecWithValues(const TVXRecordStruct& record) {
   const TTableOperation running(*table_);
+  table_->RaiseChangeStamp();
   updatingRecord_ = true;  // kept: stays set if a field's type doesn't fit
   // Kept: the number of fields isn't compared here.
   for (std::int32_t i = 0; i < table_->Get_FieldDefs()->Count(); ++i) {
@@ -304,11 +323,16 @@ TVXRAMCursorOrder GetFieldSortOrder(const std::string& item) {
 
 }  // namespace VXRAMTable_CMP
 
-void TVXRAMCursor::Sort(const std::string& sortSpecification) {
+void TVXRAMCursor::Sort(const std::string& sortSpecification) { SortAfter(nullptr, sortSpecification); }
+
+void TVXRAMCursor::SortAfter(const TVXRAMRow* touched, const std::string& sortSpecification) {
   const TTableOperation running(*table_);
-  sortParser_->SetText(sortSpecification);
+  if (!sortSpecification.empty() || !sortParser_->GetText().empty()) sortParser_->SetText(sortSpecification);
   table_->TakeSortFields(*sortParser_);
-  if (table_->SortByFields(*Get_ActiveRecordList())) GoToFirstRec();
+  TVXList& rows = *Get_ActiveRecordList();
+  // The main list is shared: what one cursor's sort left, the next one's finds.
+  TVXRAMKnownSort& known = &rows == table_->Get_MainRecordList() ? table_->mainSort_ : knownSort_;
+  if (table_->SortByFields(rows, known, touched)) GoToFirstRec();
 }
 
 void TVXRAMCursor::Set_SortedField(const std::string& value) {
@@ -332,20 +356,35 @@ void TVXRAMCursor::FilterChange(TObject*) {
   InternalDoSort();
 }
 
+/// How many rows of `source` needn't be looked at again: those that the filtered list was made from, if since then rows
+/// were appended at most. A callback is asked for each row each time.
+std::int32_t TVXRAMCursor::AlreadyFiltered(const TVXList& source) const {
+  const bool holds = !onFilterRecord_ && &source == SharedList() && filtered_.source == source.Rewrites() &&
+                     filtered_.result == filteredList_->Changes() && filtered_.filter == filter_->changes_ &&
+                     filtered_.stamp == table_->Get_ChangeStamp();
+  return holds ? filtered_.count : 0;
+}
+
 void TVXRAMCursor::RebuildFilteredList(const TVXList& source) {
-  if (filteredList_->Count() > 0) filteredList_->Clear();
+  const std::int32_t done = AlreadyFiltered(source);
+  filtered_ = {};
+  if (done == 0 && filteredList_->Count() > 0) filteredList_->Clear();
   if (!Get_IsFiltered()) return;
   const TTableOperation running(*table_);
   table_->CheckNesting();
+  knownSort_.Forget();
   // Kept: a value of Null restricts nothing, although the cursor counts as filtered.
   const TVXRAMFieldDef* const field = filter_->Get_Value().IsNull() ? nullptr : filter_->Get_Field();
   const TVXRAMFilterMatch match(field == nullptr ? TVXRAMFieldSlot() : field->Get_Slot(), filter_->Get_Value());
-  for (std::int32_t i = 0; i < source.Count(); ++i) {
+  for (std::int32_t i = done; i < source.Count(); ++i) {
     auto* const row = static_cast<TVXRAMRow*>(source.Items(i));
     if (field != nullptr && !match(row)) continue;
     const bool passes = !onFilterRecord_ || onFilterRecord_(row, i);
     if (passes && !TVXRAMRowPool::IsGivenUp(row)) filteredList_->Add(row);
   }
+  if (&source == SharedList() && !onFilterRecord_)
+    filtered_ = {source.Rewrites(), filteredList_->Changes(), filter_->changes_, table_->Get_ChangeStamp(),
+                 source.Count()};
   GoToFirstRec();
 }
 
@@ -372,14 +411,15 @@ IRecordOwner& TVXRAMCursor::RecordOwner() const {
 
 void TVXRAMCursor::RecordDeletionNotification(TVXRAMCursor*, TVXRAMRow* row) {
   const TTableOperation running(*table_);
-  if (Get_IsFiltered()) filteredList_->Remove(row);
+  const std::int32_t at = Get_IsFiltered() ? table_->Find(*filteredList_, row, physicalIndex_) : -1;
+  if (at >= 0) filteredList_->Delete(at);
   RecordOwner().Refresh();
 }
 
-void TVXRAMCursor::RecordInsertionNotification(TVXRAMRow*) {
+void TVXRAMCursor::RecordInsertionNotification(TVXRAMRow* row) {
   const TTableOperation running(*table_);
   RebuildFilteredList(*Get_InternalRecordList());
-  InternalDoSort();
+  InternalDoSort(row);
 }
 
 void TVXRAMCursor::RecordEditionNotification(TVXRAMRow*) {}

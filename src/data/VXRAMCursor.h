@@ -23,6 +23,7 @@
 #include <vector>
 
 #include "data/VXRAMFieldDefs.h"
+#include "data/VXRAMKnownSort.h"
 #include "data/VXRAMLists.h"
 #include "platform/component/Component.h"
 #include "platform/component/Event.h"
@@ -65,10 +66,12 @@ class TVXRAMFilter : public TObject {
   void Set_Value(const Variant& value);
 
  private:
+  friend class TVXRAMCursor;
   void Changed();
 
   TVXRAMFieldRef field_;
   Variant value_;
+  std::uint64_t changes_ = 0;
 };
 
 /// A row and its position in the list that is being filtered; true keeps the row.
@@ -175,7 +178,8 @@ class TVXRAMCursor : public TPersistent {
   const std::string& Get_SortedField() const { return sortedField_; }
   /// If it differs, stores it and sorts, unless it is empty: no earlier order comes back.
   void Set_SortedField(const std::string& value);
-  void InternalDoSort() { Sort(sortedField_); }
+  /// Sorts by Get_SortedField. `touched` is the one row that was added or changed since, null for none or several.
+  void InternalDoSort(const TVXRAMRow* touched = nullptr) { SortAfter(touched, sortedField_); }
 
   TVXRAMFilter* Get_Filter() const { return filter_.get(); }
   const TVXRAMCursorRecordFilterProc& Get_OnFilterRecord() const { return onFilterRecord_; }
@@ -236,6 +240,8 @@ class TVXRAMCursor : public TPersistent {
   ~TVXRAMCursor() override;
   void ReleaseMemory() override;
   TVXList& FilteredList() const { return *filteredList_; }
+  /// What is known of the order of this cursor's own lists.
+  TVXRAMKnownSort& KnownSort() { return knownSort_; }
   /// Null once the cursor is made.
   TVXRAMCursorDesc* Desc() const { return desc_; }
 
@@ -243,6 +249,7 @@ class TVXRAMCursor : public TPersistent {
   friend class TVXRAMTable;
 
   bool Ascending() const { return order_ == vxrcoAscending; }
+  void SortAfter(const TVXRAMRow* touched, const std::string& sortSpecification);
   /// The owner as one that can be told of deletions; ENilAccess without an owner, EInvalidCast if it is of another
   /// kind.
   IRecordOwner& RecordOwner() const;
@@ -250,6 +257,10 @@ class TVXRAMCursor : public TPersistent {
   TVXRAMRow* NeedCurrentRecord() const;
   /// Where the row with this id stands in `list`; the answer is that of a walk from the front.
   std::int32_t FindById(const TVXList& list, std::int32_t id) const;
+  TVXList* SharedList() const;
+  std::int32_t AlreadyFiltered(const TVXList& source) const;
+  /// Where the row with this id seems to stand; -1 says nothing.
+  std::int32_t SearchById(const TVXList& list, std::int32_t id) const;
 
   TVXRAMTable* table_;
   TVXRAMCursorDesc* desc_;  // until the cursor is made
@@ -261,8 +272,15 @@ class TVXRAMCursor : public TPersistent {
   std::string sortedField_;
   TVXRAMCursorRecordFilterProc onFilterRecord_;
   TOwned<TVXStringParser> sortParser_;
+  TVXRAMKnownSort knownSort_;
   TOwned<TVXRAMFilter> filter_;
   TOwned<TVXList> filteredList_;
+  /// What the filtered list was made from: the rewrites of its source, the changes of itself, of filter and table, and
+  /// how many rows were looked at.
+  struct {
+    std::uint64_t source = 0, result = 0, filter = 0, stamp = 0;
+    std::int32_t count = 0;
+  } filtered_;
   TVXRAMIndex* index_ = nullptr;  // the table takes it away when its definition is freed
 };
 

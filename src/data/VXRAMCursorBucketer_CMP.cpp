@@ -155,14 +155,13 @@ void TVXRAMCursorBucketer::BuildAllBuckets() {
   // Kept: the source isn't filtered; the filter of this cursor is for its virtual rows.
   const TVXList& source = *Get_InternalRecordList();
   ClearRecordList();
-  bucketList_->InsertAll(source);
-  if (!Get_IsUpdating()) bucketList_->UpdateAllBuckets();
+  bucketList_->Build(source, !Get_IsUpdating());
 }
 
 TVXRAMRow* TVXRAMCursorBucketer::MakeBucketRecord() {
-  TVXRAMRow* const row = InternalAllocRecordBuffer();
-  InternalInitRecord(row);  // kept: takes an id of the table, which is then overwritten
-  const std::int32_t id = GenerateUniqueID();
+  std::int32_t id = kNoRecordId;
+  TVXRAMRow* const row = Table().NewRow(id);  // kept: takes an id of the table, which is then overwritten
+  id = GenerateUniqueID();
   std::memcpy(RowBytes(row), &id, sizeof id);
   return row;
 }
@@ -222,8 +221,10 @@ void TVXRAMCursorBucketer::AppendKeyText(const TVXRAMRow* row, const TVXRAMField
 void TVXRAMCursorBucketer::RecordInsertionNotification(TVXRAMRow* row) {
   if (Get_IsUpdating() || TVXRAMRowPool::IsGivenUp(row)) return;  // whoever was told before may have deleted it again
   const TTableOperation running(Table());
-  bucketList_->InsertRecord(row, true);
-  InternalDoSort();  // kept: the filtered list isn't rebuilt here
+  TVXRAMKnownSort known = std::exchange(KnownSort(), {});
+  const TVXRAMBucketInfo& bucket = bucketList_->Insert(row, true);
+  KnownSort() = std::move(known);
+  InternalDoSort(bucket.Get_BucketRecord());  // kept: the filtered list isn't rebuilt here
 }
 
 void TVXRAMCursorBucketer::RecordEditionNotification(TVXRAMRow* row) {

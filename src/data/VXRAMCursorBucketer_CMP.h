@@ -24,7 +24,9 @@
 // Editing. Where the bucketer shows the grouping in which the rows were made (GroupMode = BasedGroupMode), an edit of a
 // bucket goes to its first source row. Deleting a bucket deletes its source rows from the table.
 //
-// Cost: building O(rows); an insertion computes its whole bucket; finding the bucket of a row or a key O(1).
+// Cost: building O(rows), each row being read once; an insertion folds its row into what its bucket has, or computes
+// the bucket anew where something was written meanwhile (the table's change stamp tells); finding the bucket of a row
+// or a key O(1).
 #pragma once
 
 #include <cstdint>
@@ -41,6 +43,7 @@
 
 namespace vx {
 
+class TVXRAMBucketFold;
 class TVXRAMBucketList;
 class TVXRAMCursorBucketer;
 
@@ -104,6 +107,18 @@ class TVXBucketFieldDefs : public TCollection {
   TPersistent* owner_;
 };
 
+/// How far the row of a bucket is computed, so that one more source row needn't fold all others again.
+struct TVXRAMBucketState {
+  std::int32_t rows = 0;     ///< source rows that are folded in
+  bool allAssigned = false;  ///< every field of the bucket's row is assigned
+  TDateTime firstDate = 0;   ///< of the rows that first and last show, 0 for none; one pair for all fields
+  TDateTime lastDate = 0;
+  std::vector<double> sums;      ///< of the averaged fields, in definition order
+  std::uint64_t stamp = 0;       ///< the table's change stamp when the row was computed
+  std::uint64_t changes = 0;     ///< of the list of source rows, then
+  std::uint32_t generation = 0;  ///< of the rules by which it was computed
+};
+
 /// One group: its key, its computed row, its source rows.
 class TVXRAMBucketInfo : public TCollectionItem {
  public:
@@ -127,11 +142,14 @@ class TVXRAMBucketInfo : public TCollectionItem {
   std::int32_t Get_RecordCount() const { return records_->Count(); }
 
  private:
+  friend class TVXRAMBucketBuilder;
+  friend class TVXRAMBucketFold;
   friend class TVXRAMBucketList;
 
   const TVXRAMCursorBucketer& Cursor() const;
 
   std::string key_;
+  TVXRAMBucketState state_;
   TVXRAMRow* bucketRecord_ = nullptr;
   TOwned<TVXList> records_;
 };
@@ -142,6 +160,7 @@ class TVXRAMBucketList : public TCollection {
   const TClass& ClassType() const override { return StaticClass(); }
 
   explicit TVXRAMBucketList(TVXRAMCursorBucketer* cursor);
+  ~TVXRAMBucketList() override;
 
   /// The bucket of that key, a new one at the end if there is none.
   TVXRAMBucketInfo* Add(const std::string& key);
@@ -151,8 +170,9 @@ class TVXRAMBucketList : public TCollection {
   void InsertRecord(TVXRAMRow* row, bool update);
   /// Takes a source row from its bucket, which is computed anew.
   void DeleteRecord(TVXRAMRow* row);
-  /// InsertRecord for every row, without computing the buckets.
-  void InsertAll(const TVXList& rows);
+  /// Fills an empty list: InsertRecord for every row, without computing the buckets, and, if `compute` is set,
+  /// UpdateAllBuckets; in one walk over the rows.
+  void Build(const TVXList& rows, bool compute);
   void UpdateAllBuckets();
   /// Frees every bucket with its row.
   void FreeBuckets();
@@ -169,17 +189,27 @@ class TVXRAMBucketList : public TCollection {
   friend class TVXRAMBucketInfo;
   friend class TVXRAMCursorBucketer;
 
-  class TRowKeys;
+  using TBucketsByKey = std::unordered_map<std::string, TVXRAMBucketInfo*>;
 
+  TVXRAMBucketInfo* MakeBucket(TBucketsByKey::iterator at);
   void BucketFreed(TVXRAMBucketInfo& bucket);
-  void TakeRow(TVXRAMBucketInfo& bucket, TVXRAMRow* row);
+  TVXRAMBucketInfo& Insert(TVXRAMRow* row, bool update);
+  TVXRAMBucketInfo& TakeRow(TVXRAMBucketInfo& bucket, TVXRAMRow* row);
   void DropRow(TVXRAMBucketInfo& bucket, TVXRAMRow* row);
   TVXRAMBucketInfo* FindByRecord(const TVXRAMRow* row);
   TVXRAMBucketInfo* WalkForRecord(const TVXRAMRow* row) const;
+  /// By the present settings and definitions.
+  const TVXRAMBucketFold& Fold();
+  void Compute(TVXRAMBucketInfo& bucket);
+  void Extend(TVXRAMBucketInfo& bucket, TVXRAMRow* row);
+  void MarkComputed(TVXRAMBucketInfo& bucket) const;
+  bool IsComputed(const TVXRAMBucketInfo& bucket) const;
 
   TVXRAMCursorBucketer* cursor_;
+  std::unique_ptr<TVXRAMBucketFold> fold_;
+  std::uint32_t generation_ = 0;  // of fold_
   TOwned<TVXList> bucketRecords_;
-  std::unordered_map<std::string, TVXRAMBucketInfo*> byKey_;
+  TBucketsByKey byKey_;
   std::unordered_map<const TVXRAMRow*, TVXRAMBucketInfo*> byBucketRecord_;
   std::unordered_map<const TVXRAMRow*, TVXRAMBucketInfo*> byRecord_;  // made when it is first asked for
   bool recordsAreMapped_ = false;
@@ -274,8 +304,6 @@ class TVXRAMCursorBucketer : public TVXRAMCursor {
  private:
   friend class TVXRAMBucketInfo;
   friend class TVXRAMBucketList;
-
-  class TFold;
 
   /// A row for a new bucket, with the next id of this cursor; one id of the table is used up by it.
   TVXRAMRow* MakeBucketRecord();

@@ -60,6 +60,11 @@ void TVXRAMFieldDef::TakeOver(const TVXRAMFieldDef& other) {
   name_ = other.name_;
 }
 
+void TVXRAMFieldDef::Set_Name(const std::string& value) {
+  name_ = value;
+  if (TVXRAMFieldDefs* const owner = Get_Owner()) owner->LayoutChanged();
+}
+
 void TVXRAMFieldDef::Set_ByteSize(std::int32_t value) {
   GuardFieldDefs(Get_Table());
   if (dataType_ != vxrftString && !IsLoading(Get_Table()))
@@ -133,6 +138,11 @@ TVXRAMFieldDef* TVXRAMFieldDefs::Get_Item(std::int32_t index) const { return Cas
 void TVXRAMFieldDefs::Set_Item(std::int32_t index, const TVXRAMFieldDef* value) {
   GuardFieldDefs(table_);
   Get_Item(index)->TakeOver(Need(value, "field definition"));
+}
+
+void TVXRAMFieldDefs::LayoutChanged() {
+  layoutIsKnown_ = false;
+  if (table_ != nullptr) table_->RaiseChangeStamp();
 }
 
 std::int32_t TVXRAMFieldDefs::Get_RecSize() const {

@@ -59,7 +59,7 @@ class TVXRAMFieldDef : public TCollectionItem {
   /// type raises ERTEInvalidFieldType, after it was stored.
   void Set_DataType(TVXRAMFieldType value);
   const std::string& Get_Name() const { return name_; }
-  void Set_Name(const std::string& value) { name_ = value; }
+  void Set_Name(const std::string& value);
 
   // -- Layout, in bytes from the row's beginning ----------------------------------------------------------------------
   std::int32_t Get_StatusOffset() const;
@@ -121,7 +121,7 @@ class TVXRAMFieldDefs : public TCollection {
   std::int32_t Get_RecSize() const;
   /// Raises ERAMTableError that names the field if a size is negative or the row would be longer than 2^31 - 1 bytes.
   void CheckLayout() const;
-  void LayoutChanged() { layoutIsKnown_ = false; }
+  void LayoutChanged();
 
  protected:
   void ItemsMoved() override { LayoutChanged(); }

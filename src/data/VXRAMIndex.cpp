@@ -1,5 +1,6 @@
 #include "data/VXRAMIndex.h"
 
+#include "data/VXRAMRowSearch.h"
 #include "data/VXRAMSort.h"
 #include "data/VXRAMTable_CMP.h"
 #include "platform/component/Published.h"
@@ -37,15 +38,85 @@ std::int32_t TVXRAMIndex::Insert(TVXRAMRow* row) {
   return position;
 }
 
-void TVXRAMIndex::ReBuild() {
+void TVXRAMIndex::Remove(const TVXRAMRow* row) {
+  const std::int32_t at = Find(row);
+  if (at < 0) return;
+  const bool sorted = IsSorted();
+  list_->Delete(at);
+  if (!sorted) return;
+  NoteChange(order_.count - 1);
+  if (order_.differ == false) order_.differ.reset();
+}
+
+std::int32_t TVXRAMIndex::Find(const TVXRAMRow* row) const {
+  const TVXRAMTable* const table = Table();
+  if (table == nullptr || !table->pool_.Owns(row)) return list_->IndexOf(row);
+  const std::int32_t at = SearchKeyOf(row);
+  return at >= 0 ? at : table->Find(*list_, row, 0);
+}
+
+std::int32_t TVXRAMIndex::SearchKeyOf(const TVXRAMRow* row) const {
+  if (!IsSorted()) return -1;
+  const auto order = [&](const TVXRAMRow* other) { return CompareRows(other, row, order_.slot); };
+  std::int32_t at = SearchRow(*list_, [&](const TVXRAMRow* other) { return order(other) < 0; });
+  for (; at < Get_RecCount() && order(Get_Record(at)) == 0; ++at)
+    if (Get_Record(at) == row) return at;
+  return -1;
+}
+
+// -- Rebuilding -------------------------------------------------------------------------------------------------------
+
+TVXRAMFieldSlot TVXRAMIndex::TakeSlot() {
   fieldOffset_ = GetFieldOffset();
   fieldStatusOffset_ = GetFieldStatusOffset();
   fieldSize_ = GetFieldByteSize();
-  Pack();
-  const TVXRAMFieldType type = KeyType();
-  if (type > kLastFieldType) throw ERTEInvalidFieldType("Cannot sort on a field of this type.");
-  SortRows(list_->Data(), list_->Count(), {{{fieldStatusOffset_, fieldOffset_, fieldSize_, type}}});
+  return {fieldStatusOffset_, fieldOffset_, fieldSize_, KeyType()};
+}
+
+bool TVXRAMIndex::KnowsOrder() const {
+  const TVXRAMTable* const table = Table();
+  return table != nullptr && order_.count >= 0 && order_.rewrites == list_->Rewrites() &&
+         order_.stamp == table->Get_ChangeStamp();
+}
+
+void TVXRAMIndex::NoteChange(std::int32_t count) {
+  order_.rewrites = list_->Rewrites();
+  order_.count = count;
+}
+
+void TVXRAMIndex::ReBuild() {
+  const TVXRAMFieldSlot slot = TakeSlot();
+  const bool oneIsNew = order_.count == Get_RecCount() - 1 && KnowsOrder() && slot == order_.slot;
+  if (!oneIsNew || !PlaceLast()) {
+    Pack();
+    if (slot.type > kLastFieldType) throw ERTEInvalidFieldType("Cannot sort on a field of this type.");
+    SortRows(list_->Data(), list_->Count(), {{slot}});
+    const std::uint64_t stamp = Need(Table(), "table of the index").Get_ChangeStamp();
+    // Rows of which two were equal before another one came still are not all different.
+    order_ = {slot, stamp, list_->Rewrites(), list_->Count(), oneIsNew ? order_.differ : std::nullopt};
+  }
   Need(Table(), "table of the index").IndexRebuildingNotification(this);
+}
+
+/// Moves the last row to where a sort would leave it. Where two rows are equal only the sort itself knows: false then.
+bool TVXRAMIndex::PlaceLast() {
+  const std::int32_t last = Get_RecCount() - 1;
+  const TVXRAMRow* const row = Get_Record(last);
+  if (!order_.differ) order_.differ = RowsDiffer();
+  if (row == nullptr || order_.differ == false) return false;
+  const auto order = [&](const TVXRAMRow* other) { return CompareRows(other, row, order_.slot); };
+  const std::int32_t at = SearchRow(*list_, [&](const TVXRAMRow* other) { return order(other) < 0; });
+  order_.differ = at == last || order(Get_Record(at)) != 0;
+  if (order_.differ == false) return false;
+  list_->Move(last, at);
+  NoteChange(last + 1);
+  return true;
+}
+
+bool TVXRAMIndex::RowsDiffer() const {
+  for (std::int32_t i = 1; i < order_.count; ++i)
+    if (CompareRows(Get_Record(i - 1), Get_Record(i), order_.slot) == 0) return false;
+  return true;
 }
 
 std::int32_t TVXRAMIndex::LocateFirst(const void* key) {

@@ -5,9 +5,12 @@
 // definition; rows that were there before are not looked up.
 //
 // An index is as sorted as its last rebuild left it: Add appends, Remove keeps the order, Insert appends and rebuilds.
+// A rebuild sorts all rows; one after a single row was appended to rows whose values all differ, as its own does, only
+// puts that row where the sort would: O(log n) and the moving of the pointers behind it.
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "data/VXRAMFieldDefs.h"
@@ -40,7 +43,7 @@ class TVXRAMIndex : public TObject {
   std::int32_t Add(TVXRAMRow* row);
   /// Appends and rebuilds; answers the position at which the row was appended, not where it went then.
   std::int32_t Insert(TVXRAMRow* row);
-  void Remove(const TVXRAMRow* row) { list_->Remove(row); }
+  void Remove(const TVXRAMRow* row);
   void Clear() { list_->Clear(); }
   void Pack() { list_->Pack(); }
   /// Sorts the whole index, and tells the cursors that are filtered on its field. A field of no known type raises
@@ -68,11 +71,31 @@ class TVXRAMIndex : public TObject {
   TVXList* Get_List() const { return list_.get(); }
 
  private:
+  friend class TVXRAMCursor;
   friend class TVXRAMIndexDefs;
   friend class TVXRAMTable;
 
+  /// What is known of the list's order: that of the latest rebuild, as long as nobody wrote into rows or changed the
+  /// list but by appending or through this class.
+  struct TKnownOrder {
+    TVXRAMFieldSlot slot;        // what the rows are sorted by
+    std::uint64_t stamp = 0;     // the table's when this was true
+    std::uint64_t rewrites = 0;  // the list's
+    std::int32_t count = -1;     // how many rows are sorted: the first ones; -1 for no order
+    std::optional<bool> differ;  // no two of them compare equal; unset: not looked at
+  };
+
   /// The type without its highest bit.
   TVXRAMFieldType KeyType() const;
+  TVXRAMFieldSlot TakeSlot();
+  bool KnowsOrder() const;
+  bool IsSorted() const { return order_.count == Get_RecCount() && KnowsOrder(); }
+  void NoteChange(std::int32_t count);
+  bool PlaceLast();
+  bool RowsDiffer() const;
+  /// Where the row stands, found by its value; -1 says nothing.
+  std::int32_t SearchKeyOf(const TVXRAMRow* row) const;
+  std::int32_t Find(const TVXRAMRow* row) const;
   std::int32_t CompareAs(TVXRAMFieldType type, const TVXRAMRow* first, const TVXRAMRow* second) const;
 
   TVXRAMTable* table_;
@@ -80,6 +103,7 @@ class TVXRAMIndex : public TObject {
   std::int32_t fieldOffset_ = 0;
   std::int32_t fieldStatusOffset_ = 0;
   std::int32_t fieldSize_ = 0;
+  TKnownOrder order_;
 };
 
 /// The rows that AddRecord made, in the order of their making.

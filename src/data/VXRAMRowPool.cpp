@@ -18,38 +18,22 @@ std::uint32_t ReadWord(const std::uint8_t* at) {
 
 void WriteWord(std::uint8_t* at, std::uint32_t word) { std::memcpy(at, &word, sizeof word); }
 
-/// Bytes that a row takes with its size in front; at least what the chain of released rows needs.
-std::size_t Footprint(std::int32_t size) { return 4 + std::max(static_cast<std::size_t>(size), sizeof(std::uint8_t*)); }
-
 }  // namespace
 
-std::uint8_t* TVXRAMRowPool::Cut(std::size_t bytes) {
-  if (bytes > left_) {
-    const std::size_t slab = std::max(nextSlab_, bytes);
-    slabs_.emplace_back(std::make_unique_for_overwrite<std::uint8_t[]>(slab), slab);
-    next_ = slabs_.back().first.get();
-    left_ = slab;
-    nextSlab_ = std::min(nextSlab_ * 2, kLargestSlab);
-  }
-  std::uint8_t* const cut = next_;
-  next_ += bytes;
-  left_ -= bytes;
-  return cut;
+void TVXRAMRowPool::AddSlab(std::size_t bytes) {
+  const std::size_t slab = std::max(nextSlab_, bytes);
+  slabs_.emplace_back(std::make_unique_for_overwrite<std::uint8_t[]>(slab), slab);
+  next_ = slabs_.back().first.get();
+  left_ = slab;
+  nextSlab_ = std::min(nextSlab_ * 2, kLargestSlab);
 }
 
-TVXRAMRow* TVXRAMRowPool::Allocate(std::int32_t size) {
-  std::uint8_t* row = nullptr;
-  const auto chain = released_.empty() ? released_.end() : released_.find(size);
-  if (chain != released_.end() && chain->second != nullptr) {
-    row = chain->second;
-    std::memcpy(&chain->second, row, sizeof chain->second);
-  } else {
-    row = Cut(Footprint(size)) + kPrefix;
-  }
-  WriteWord(row - kPrefix, static_cast<std::uint32_t>(size));
-  row[kRecordStatusOffset] = vxrsActive;
-  ++live_;
-  return reinterpret_cast<TVXRAMRow*>(row);
+std::uint8_t* TVXRAMRowPool::Reuse(std::int32_t size) {
+  const auto chain = released_.find(size);
+  if (chain == released_.end() || chain->second == nullptr) return Cut(size);
+  std::uint8_t* const row = chain->second;
+  std::memcpy(&chain->second, row, sizeof chain->second);
+  return row;
 }
 
 bool TVXRAMRowPool::Drop(TVXRAMRow* row) {

@@ -7,6 +7,7 @@
 // Cost: Allocate and Release are O(1); four bytes a row beyond its own.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -21,7 +22,13 @@ namespace vx {
 class TVXRAMRowPool {
  public:
   /// A block of `size` bytes (1 to 2^31 - 1), uninitialised.
-  TVXRAMRow* Allocate(std::int32_t size);
+  TVXRAMRow* Allocate(std::int32_t size) {
+    std::uint8_t* const row = released_.empty() ? Cut(size) : Reuse(size);
+    std::memcpy(row - kPrefix, &size, sizeof size);
+    row[kRecordStatusOffset] = vxrsActive;
+    ++live_;
+    return reinterpret_cast<TVXRAMRow*>(row);
+  }
   /// Takes a block back. One that was released already raises EInvalidOperation. Null is ignored.
   void Release(TVXRAMRow* row);
 
@@ -50,7 +57,21 @@ class TVXRAMRowPool {
 
   [[noreturn]] static void RaiseNoRow() { throw ENilAccess("row"); }
 
-  std::uint8_t* Cut(std::size_t bytes);
+  /// Bytes that a row takes with its size in front; at least what the chain of released rows needs.
+  static std::size_t Footprint(std::int32_t size) {
+    return kPrefix + std::max(static_cast<std::size_t>(size), sizeof(std::uint8_t*));
+  }
+  std::uint8_t* Cut(std::int32_t size) {
+    const std::size_t bytes = Footprint(size);
+    if (bytes > left_) AddSlab(bytes);
+    std::uint8_t* const cut = next_;
+    next_ += bytes;
+    left_ -= bytes;
+    return cut + kPrefix;
+  }
+  void AddSlab(std::size_t bytes);
+  /// A released row of this size; a new one if there is none.
+  std::uint8_t* Reuse(std::int32_t size);
 
   std::vector<std::pair<std::unique_ptr<std::uint8_t[]>, std::size_t>> slabs_;
   std::uint8_t* next_ = nullptr;  // first free byte of the newest slab

@@ -1,11 +1,15 @@
 #include "data/VXRAMSort.h"
 
 #include <algorithm>
-#include <bit>
-#include <cmath>
-#include <limits>
-#include <string>
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <type_traits>
+#include <utility>
 
+#include "data/VXRAMSortKeys.h"
+#include "platform/runtime/QuickSortRanked.h"
 #include "platform/runtime/Text.h"
 
 namespace vx {
@@ -45,124 +49,164 @@ std::int32_t CompareWithKeyAs(const TVXRAMRow* row, const TVXRAMFieldSlot& slot,
   return CompareValues(RowValue<T>(row, slot), value);
 }
 
-// -- Packed keys ------------------------------------------------------------------------------------------------------
+// -- Sorting by keys --------------------------------------------------------------------------------------------------
 
-constexpr std::uint64_t kNullKey = std::numeric_limits<std::uint64_t>::max();
-constexpr std::uint64_t kSignBit = std::uint64_t{1} << 63;
+constexpr std::size_t kFewItems = 24;      // so many are compared row by row
+constexpr std::size_t kDeepest = 256;      // bytes of text for which keys are packed anew
+constexpr std::size_t kRadixItems = 1024;  // from so many on digits beat compares
+constexpr std::int32_t kDigitBits = 11;
+constexpr std::int32_t kDigits = 3;
 
-/// Order-preserving bits of a double: both zeros alike, NaN behind infinity, below kNullKey.
-std::uint64_t KeyOf(double value) {
-  if (std::isnan(value)) return kNullKey - 1;
-  const auto bits = std::bit_cast<std::uint64_t>(value == 0 ? 0.0 : value);
-  return (bits & kSignBit) != 0 ? ~bits : bits | kSignBit;
-}
-
-std::uint64_t KeyOf(std::int64_t value) { return static_cast<std::uint64_t>(value) ^ kSignBit; }
-
-std::uint64_t NumberKey(const TVXRAMRow* row, const TVXRAMFieldSlot& slot) {
-  switch (slot.type) {
-    case vxrftBoolean:
-      return KeyOf(std::int64_t{RowValue<std::uint8_t>(row, slot)});
-    case vxrftDuration:
-    case vxrftInteger:
-      return KeyOf(std::int64_t{RowValue<std::int32_t>(row, slot)});
-    case vxrftSmallint:
-      return KeyOf(std::int64_t{RowValue<std::int16_t>(row, slot)});
-    case vxrftWord:
-      return KeyOf(std::int64_t{RowValue<std::uint16_t>(row, slot)});
-    default:
-      return KeyOf(RowValue<double>(row, slot));
+/// Calls `visit(first, end)` for each run of items with equal keys, low bits left out.
+template <class Visit>
+void ForEachRun(std::span<TSortItem> items, std::int32_t lowBits, const Visit& visit) {
+  for (std::size_t first = 0, end = 0; first < items.size(); first = end) {
+    const std::uint64_t key = items[first].key >> lowBits;
+    for (end = first + 1; end < items.size() && items[end].key >> lowBits == key;) ++end;
+    visit(first, end);
   }
 }
 
-/// Eight bytes from `at` on as a number, the first byte highest; zeros behind the text's end.
-std::uint64_t WordAt(std::string_view text, std::size_t at) {
-  std::uint64_t word = 0;
-  for (std::size_t i = at; i < at + 8; ++i)
-    word = word << 8 | (i < text.size() ? static_cast<std::uint8_t>(text[i]) : 0);
-  return word;
+std::ptrdiff_t Offset(std::size_t at) { return static_cast<std::ptrdiff_t>(at); }
+
+/// Counts, then distributes by eleven bits of the key.
+void Distribute(std::span<const TSortItem> from, std::span<TSortItem> to, std::int32_t shift) {
+  std::array<std::uint32_t, std::size_t{1} << kDigitBits> places{};
+  const auto digit = [&](const TSortItem& item) { return item.key >> shift & (places.size() - 1); };
+  for (const TSortItem& item : from) ++places[digit(item)];
+  std::uint32_t sum = 0;
+  for (std::uint32_t& place : places) sum += std::exchange(place, sum);
+  for (const TSortItem& item : from) to[places[digit(item)]++] = item;
 }
 
-/// What a sort moves: two words that decide most compares, and the row.
-struct TSortItem {
-  std::uint64_t first;
-  std::uint64_t second;
-  TVXRAMRow* row;
+void SortByDigits(std::span<TSortItem> items, std::span<TSortItem> spare, std::int32_t low, std::int32_t bits) {
+  std::span<TSortItem> from = items;
+  std::span<TSortItem> to = spare.first(items.size());
+  for (std::int32_t shift = low; shift < bits; shift += kDigitBits) {
+    Distribute(from, to, shift);
+    std::swap(from, to);
+  }
+  if (from.data() != items.data()) std::copy(from.begin(), from.end(), items.begin());
+}
+
+/// Sorts items by keys of `bits` bits: many by the digits of the highest bits, which leave little open. `spare` has
+/// room for as many.
+void SortByKey(std::span<TSortItem> items, std::span<TSortItem> spare, std::int32_t bits) {
+  const auto isBelow = [](const TSortItem& a, const TSortItem& b) { return a.key < b.key; };
+  const auto isAbove = [](const TSortItem& a, const TSortItem& b) { return a.key > b.key; };
+  if (std::is_sorted(items.begin(), items.end(), isBelow)) return;
+  if (std::is_sorted(items.begin(), items.end(), isAbove)) return std::reverse(items.begin(), items.end());
+  if (items.size() < kRadixItems) return std::sort(items.begin(), items.end(), isBelow);
+  const std::int32_t low = std::max(bits - kDigits * kDigitBits, 0);
+  SortByDigits(items, spare, low, bits);
+  if (low == 0) return;
+  ForEachRun(items, low, [&](std::size_t first, std::size_t end) {
+    if (end - first > 1) std::sort(items.begin() + Offset(first), items.begin() + Offset(end), isBelow);
+  });
+}
+
+/// The memory of a sort: 32 bytes a row in one block. The second half serves one thing after the other.
+class TSortScratch {
+ public:
+  explicit TSortScratch(std::size_t count)
+      : count_(count), bytes_(std::make_unique_for_overwrite<std::byte[]>(2 * count * sizeof(TSortItem))) {}
+
+  std::span<TSortItem> Items() { return Part<TSortItem>(0); }
+  std::span<TSortItem> Spare() { return Part<TSortItem>(2); }
+  std::span<std::uint64_t> Words() { return Part<std::uint64_t>(2); }
+  std::span<TRankedItem> Sorted() { return Part<TRankedItem>(2); }
+  std::span<TRankedItem> Before() { return Part<TRankedItem>(3); }
+  std::span<void*> Rows() { return Part<void*>(0); }  ///< once the items aren't needed any more
+
+ private:
+  /// Begins at a quarter of the block. What was there before is lost.
+  template <class T>
+  std::span<T> Part(std::size_t quarter) {
+    static_assert(std::is_trivially_copyable_v<T> && sizeof(T) <= sizeof(TSortItem));
+    return {reinterpret_cast<T*>(bytes_.get() + quarter * count_ * sizeof(TSortItem) / 2), count_};
+  }
+
+  std::size_t count_;
+  std::unique_ptr<std::byte[]> bytes_;
 };
 
-/// How the columns are packed: `first` and `second` are two numbers, a number and the beginning of a text, or a text's
-/// beginning.
-class TSortKeys {
+/// Brings rows into some order that is right, and gives each its rank. Runs of rows that are equal so far wait to be
+/// sorted by what follows in their columns.
+class TRanking {
  public:
-  explicit TSortKeys(const std::vector<TSortColumn>& columns) : columns_(columns) {}
+  TRanking(TSortScratch& scratch, std::span<void* const> rows, const std::vector<TSortColumn>& columns)
+      : scratch_(scratch), keys_(rows, columns), items_(scratch.Items()) {}
 
-  TSortItem Pack(TVXRAMRow* row) const {
-    TSortItem item{0, 0, row};
-    const std::size_t next = PackColumn(row, 0, item.first, &item.second) ? 1 : columns_.size();
-    if (next < columns_.size()) PackColumn(row, next, item.second, nullptr);
-    return item;
-  }
-
-  std::int32_t Compare(const TSortItem& a, const TSortItem& b) const {
-    if (a.first != b.first) return a.first < b.first ? -1 : 1;
-    if (a.second != b.second) return a.second < b.second ? -1 : 1;
-    return CompareRest(a.row, b.row);
+  /// True if some rows are equal.
+  bool Run() {
+    for (std::size_t i = 0; i < items_.size(); ++i) items_[i].row = static_cast<std::uint32_t>(i);
+    waiting_.push_back({0, items_.size(), {}});
+    while (!waiting_.empty()) {
+      const TRun run = waiting_.back();
+      waiting_.pop_back();
+      if (run.Count() <= kFewItems || run.place.at >= kDeepest)
+        SortByRows(run);
+      else
+        SortByKeys(run);
+    }
+    return hasEquals_;
   }
 
  private:
-  static bool IsText(const TSortColumn& column) { return column.slot.type == vxrftString; }
+  struct TRun {
+    std::size_t first, end;
+    TKeyPlace place;
+    std::size_t Count() const { return end - first; }
+  };
 
-  /// Packs a column into `key`, a text's next eight bytes into `more` if there is room. True if `more` is still free.
-  bool PackColumn(const TVXRAMRow* row, std::size_t at, std::uint64_t& key, std::uint64_t* more) const {
-    const TSortColumn& column = columns_[at];
-    const std::uint64_t flip = column.descending ? kNullKey : 0;
-    const bool text = IsText(column);
-    if (RowStatus(row, column.slot) != vxfsAssigned) {
-      key = kNullKey ^ flip;
-      if (text && more != nullptr) *more = key;
-    } else if (text) {
-      PackText(RowText(row, column.slot), key, more);
-      key ^= flip;
-      if (more != nullptr) *more ^= flip;
-    } else {
-      key = NumberKey(row, column.slot) ^ flip;
-    }
-    return !text;
-  }
-
-  static void PackText(std::string_view text, std::uint64_t& key, std::uint64_t* more) {
-    if (more == nullptr) {
-      key = std::min(FoldPrefix8(text), kNullKey - 1);
-    } else if (IsAscii(text.substr(0, 16))) {
-      key = FoldPrefix8(text);
-      *more = text.size() > 8 ? FoldPrefix8(text.substr(8)) : 0;
-    } else {  // folding may change lengths: the ninth byte isn't where it seems
-      const std::string folded = FoldCase(text);
-      key = WordAt(folded, 0);
-      *more = WordAt(folded, 8);
-      if (key == kNullKey) {
-        key = kNullKey - 1;
-        *more = kNullKey;
-      }
+  void SortByRows(const TRun& run) {
+    const std::span<TSortItem> items = items_.subspan(run.first, run.Count());
+    const auto compare = [&](const TSortItem& a, const TSortItem& b) { return keys_.Compare(a, b, run.place.column); };
+    std::sort(items.begin(), items.end(), [&](const auto& a, const auto& b) { return compare(a, b) < 0; });
+    for (std::size_t first = 0, end = 0; first < items.size(); first = end) {
+      for (end = first + 1; end < items.size() && compare(items[first], items[end]) == 0;) ++end;
+      SetRank(run.first + first, run.first + end);
     }
   }
 
-  std::int32_t CompareRest(const TVXRAMRow* a, const TVXRAMRow* b) const {
-    for (std::size_t i = FirstUndecided(); i < columns_.size(); ++i) {
-      const std::int32_t order = CompareRows(a, b, columns_[i].slot);
-      if (order != 0) return columns_[i].descending ? -order : order;
-    }
-    return 0;
+  void SortByKeys(const TRun& run) {
+    const std::span<TSortItem> items = items_.subspan(run.first, run.Count());
+    std::int32_t bits = 0;
+    const TKeyPlace open = keys_.Pack(items, scratch_.Words(), run.place, bits);
+    SortByKey(items, scratch_.Spare(), bits);
+    ForEachRun(items, 0, [&](std::size_t first, std::size_t end) {
+      if (end - first == 1 || keys_.IsEnd(open))
+        SetRank(run.first + first, run.first + end);
+      else
+        waiting_.push_back({run.first + first, run.first + end, open});
+    });
   }
 
-  /// The first column that equal keys don't settle.
-  std::size_t FirstUndecided() const {
-    if (IsText(columns_[0])) return 0;
-    return columns_.size() > 1 && IsText(columns_[1]) ? 1 : 2;
+  void SetRank(std::size_t first, std::size_t end) {
+    for (std::size_t i = first; i < end; ++i) items_[i].rank = static_cast<std::uint32_t>(first);
+    hasEquals_ = hasEquals_ || end - first > 1;
   }
 
-  const std::vector<TSortColumn>& columns_;
+  TSortScratch& scratch_;
+  TSortKeys keys_;
+  std::span<TSortItem> items_;
+  std::vector<TRun> waiting_;
+  bool hasEquals_ = false;
 };
+
+/// The ranked items in sorted order; equal rows where the moves of the quicksort leave them.
+std::span<TRankedItem> RankedRows(TSortScratch& scratch, std::span<void* const> rows,
+                                  const std::vector<TSortColumn>& columns) {
+  const bool hasEquals = TRanking(scratch, rows, columns).Run();
+  const std::span<TRankedItem> sorted = scratch.Sorted();
+  std::size_t at = 0;
+  for (const TSortItem& item : scratch.Items()) sorted[at++] = {item.rank, item.row};
+  if (!hasEquals) return sorted;
+  const std::span<TRankedItem> before = scratch.Before();
+  for (const TRankedItem& item : sorted) before[item.item] = item;
+  QuickSortRanked(before, sorted);
+  return sorted;
+}
 
 }  // namespace
 
@@ -195,12 +239,13 @@ std::int32_t CompareRowWithKey(const TVXRAMRow* row, const TVXRAMFieldSlot& slot
 }
 
 void SortRows(void** rows, std::int32_t count, const std::vector<TSortColumn>& columns) {
-  const TSortKeys keys(columns);
-  std::vector<TSortItem> items(static_cast<std::size_t>(count));
-  for (std::size_t i = 0; i < items.size(); ++i) items[i] = keys.Pack(static_cast<TVXRAMRow*>(rows[i]));
-  QuickSort(TPlainItems<TSortItem>{items.data()}, count,
-            [&keys](const TSortItem& a, const TSortItem& b) { return keys.Compare(a, b); });
-  for (std::size_t i = 0; i < items.size(); ++i) rows[i] = items[i].row;
+  TSortScratch scratch(static_cast<std::size_t>(count));
+  const std::span<void*> target(rows, static_cast<std::size_t>(count));
+  for (const void* const row : target) Need(static_cast<const std::uint8_t*>(row), "row");
+  const std::span<TRankedItem> sorted = RankedRows(scratch, target, columns);
+  const std::span<void*> before = scratch.Rows();
+  std::copy(target.begin(), target.end(), before.begin());
+  for (std::size_t i = 0; i < sorted.size(); ++i) target[i] = before[sorted[i].item];
 }
 
 }  // namespace vx

@@ -4,6 +4,7 @@
 #include <unordered_set>
 
 #include "data/VXRAMFilterMatch.h"
+#include "data/VXRAMRowSearch.h"
 #include "data/VXRAMSort.h"
 #include "platform/component/Published.h"
 #include "platform/runtime/Text.h"
@@ -104,9 +105,9 @@ void TVXRAMTable::ReleaseDroppedRows() {
       pool_.Release(row);
 }
 
-void TVXRAMTable::CheckNesting() const {
+void TVXRAMTable::RaiseNesting() const {
   // A listener that answers a change by the same change never comes to an end: the call stack would.
-  if (operations_ > kMostNested) throw EInvalidOperation("Changes of table '" + Name() + "' nest too deeply");
+  throw EInvalidOperation("Changes of table '" + Name() + "' nest too deeply");
 }
 
 // -- Definitions ------------------------------------------------------------------------------------------------------
@@ -231,8 +232,7 @@ void TVXRAMTable::DisposeRecordStruct(TVXRecordStruct*& record) const {
 std::int32_t TVXRAMTable::AddRecord(std::int32_t index, std::int32_t& recordId) {
   const TTableOperation running(*this);
   CheckNesting();
-  TVXRAMRow* const row = InternalAllocRecordBuffer();
-  recordId = InternalInitRecord(row);
+  TVXRAMRow* const row = NewRow(recordId);
   std::int32_t result = -1;
   const std::int32_t position = baseIndex_->list_->Add(row);
   if (index == -1) result = position;
@@ -249,36 +249,62 @@ void TVXRAMTable::RaiseMismatch() {
       "DEVELOPPER NOTE: Mismatch between ARecordStruct.FieldArrayPtr^[ VI ].FieldType and FFieldDefs[ VI ].DataType.");
 }
 
-void TVXRAMTable::StoreField(TVXRAMRow* row, std::int32_t field, const TVXFieldStruct& element) {
-  CheckFieldType(field, element);
-  const TVXRAMFieldSlot& slot = fieldDefs_->Get_Slots()[static_cast<std::size_t>(field)];
-  if (!RowTakes(row, slot)) RaiseNoRoom(row, field);
-  std::uint8_t* const value = RowBytes(row) + slot.valueOffset;
-  const auto size = static_cast<std::size_t>(slot.size);
-  RowBytes(row)[slot.statusOffset] = element.IsNull ? vxfsNull : vxfsAssigned;
-  if (element.IsNull) {
-    std::memset(value, 0, size);
-    return;
-  }
-  // A structure may be older than a change of the field's size: what it doesn't have is zero.
-  const bool text = slot.type == vxrftString;
+namespace {
+
+/// Copies an element of any size. A structure may be older than a change of the field's size: what it doesn't have is
+/// zero.
+void CopyElement(std::uint8_t* value, std::size_t size, const TVXFieldStruct& element, bool text) {
   std::size_t known = sizeof element.Value;
   if (text) known = element.StringPtr == nullptr ? 0 : static_cast<std::size_t>(std::max(element.StringSize, 0));
   known = std::min(size, known);
   if (known > 0) std::memcpy(value, text ? static_cast<const void*>(element.StringPtr) : element.Value, known);
-  std::memset(value + known, 0, size - known);
+  if (known < size) std::memset(value + known, 0, size - known);
+}
+
+/// Writes status and value of a field that the row has room for.
+inline void CopyField(TVXRAMRow* row, const TVXRAMFieldSlot& slot, const TVXFieldStruct& element) {
+  std::uint8_t* const value = RowBytes(row) + slot.valueOffset;
+  RowBytes(row)[slot.statusOffset] = element.IsNull ? vxfsNull : vxfsAssigned;
+  const auto size = static_cast<std::size_t>(slot.size);
+  if (element.IsNull)
+    std::memset(value, 0, size);
+  else if (size == 8 && slot.type != vxrftString)
+    std::memcpy(value, element.Value, 8);
+  else if (size == 4 && slot.type != vxrftString)
+    std::memcpy(value, element.Value, 4);
+  else
+    CopyElement(value, size, element, slot.type == vxrftString);
+}
+
+}  // namespace
+
+void TVXRAMTable::StoreField(TVXRAMRow* row, std::int32_t field, const TVXFieldStruct& element) {
+  CheckFieldType(field, element);
+  const TVXRAMFieldSlot& slot = fieldDefs_->Get_Slots()[static_cast<std::size_t>(field)];
+  if (!RowTakes(row, slot)) RaiseNoRoom(row, field);
+  CopyField(row, slot, element);
+}
+
+TVXRAMRow* TVXRAMTable::NewFilledRow(const TVXRecordStruct& record, std::int32_t& id) {
+  TVXRAMRow* const row = InternalAllocRecordBuffer();
+  id = GiveId(row);
+  const std::vector<TVXRAMFieldSlot>& slots = fieldDefs_->Get_Slots();
+  // Kept: a structure that doesn't fit leaves its row allocated and listed nowhere.
+  if (record.FieldCount != static_cast<std::int32_t>(slots.size()))
+    throw Exception("DEVELOPPER NOTE: Mismatch between ARecordStruct.FieldCount and FFieldDefs.Count.");
+  for (std::int32_t i = 0; const TVXRAMFieldSlot& slot : slots) {
+    const TVXFieldStruct& element = record.Field(i++);
+    if (element.FieldType != slot.type) RaiseMismatch();
+    CopyField(row, slot, element);
+  }
+  return row;
 }
 
 std::int32_t TVXRAMTable::AddRecordAndValues(const TVXRecordStruct& record, std::int32_t index, std::int32_t position,
                                              std::int32_t& recordId, bool append) {
   const TTableOperation running(*this);
   CheckNesting();
-  TVXRAMRow* const row = InternalAllocRecordBuffer();
-  recordId = InternalInitRecord(row);
-  // Kept: a structure that doesn't fit leaves its row allocated and listed nowhere.
-  if (record.FieldCount != fieldDefs_->Count())
-    throw Exception("DEVELOPPER NOTE: Mismatch between ARecordStruct.FieldCount and FFieldDefs.Count.");
-  for (std::int32_t i = 0; i < fieldDefs_->Count(); ++i) StoreField(row, i, record.Field(i));
+  TVXRAMRow* const row = NewFilledRow(record, recordId);
   std::int32_t result = -1;
   if (!append && position >= 0)
     mainRecordList_->Insert(position, row);  // kept: the result says nothing of it
@@ -300,15 +326,22 @@ void TVXRAMTable::RebuildIndices() {
 
 // -- Deleting and clearing --------------------------------------------------------------------------------------------
 
+std::int32_t TVXRAMTable::Find(const TVXList& rows, const TVXRAMRow* row, std::int32_t hint) const {
+  return idsAreUnique_ && pool_.Owns(row) ? FindRow(rows, row, hint) : rows.IndexOf(row);
+}
+
 void TVXRAMTable::DeleteRecord(TVXRAMCursor* origin, TVXRAMRow* row) {
   if (row == nullptr) return;
   const TTableOperation running(*this);
   CheckNesting();
+  const std::int32_t hint = cursors_.Contains(origin) ? origin->physicalIndex_ : 0;
   baseIndex_->Remove(row);
   for (std::int32_t i = 0; i < indices_->Count(); ++i) indices_->Get_Item(i)->Get_Index()->Remove(row);
   cursors_.ForEach([origin, row](TVXRAMCursor& cursor) { cursor.RecordDeletionNotification(origin, row); });
-  // Kept: a row that stood in the base index alone stays allocated.
-  if (mainRecordList_->Remove(row) >= 0) ReleaseRow(row);
+  const std::int32_t at = Find(*mainRecordList_, row, hint);
+  if (at < 0) return;  // kept: a row that stood in the base index alone stays allocated
+  mainRecordList_->Delete(at);
+  ReleaseRow(row);
 }
 
 std::int32_t TVXRAMTable::ReleaseAll(TVXList& rows) {
@@ -375,12 +408,28 @@ TVXRAMRow* TVXRAMTable::InternalAllocRecordBuffer() {
   return pool_.Allocate(Get_RecSize());
 }
 
-std::int32_t TVXRAMTable::InternalInitRecord(TVXRAMRow* row) {
-  CheckNotReleased(NeedRow(row));
-  std::memset(RowBytes(row), 0, static_cast<std::size_t>(TVXRAMRowPool::SizeOf(row)));
+TVXRAMRow* TVXRAMTable::NewRow(std::int32_t& id) {
+  TVXRAMRow* const row = InternalAllocRecordBuffer();
+  id = InitRow(row);
+  return row;
+}
+
+std::int32_t TVXRAMTable::GiveId(TVXRAMRow* row) {
   const std::int32_t id = GenerateUniqueID();
   std::memcpy(RowBytes(row), &id, sizeof id);
+  RowBytes(row)[kRecordStatusOffset] = vxrsActive;
   return id;
+}
+
+std::int32_t TVXRAMTable::InitRow(TVXRAMRow* row) {
+  std::memset(RowBytes(row), 0, static_cast<std::size_t>(TVXRAMRowPool::SizeOf(row)));
+  return GiveId(row);
+}
+
+std::int32_t TVXRAMTable::InternalInitRecord(TVXRAMRow* row) {
+  CheckNotReleased(NeedRow(row));
+  RaiseChangeStamp();
+  return InitRow(row);
 }
 
 void TVXRAMTable::InternalFreeRecordBuffer(TVXRAMRow* row) {
@@ -388,22 +437,26 @@ void TVXRAMTable::InternalFreeRecordBuffer(TVXRAMRow* row) {
   if (!pool_.Owns(row)) throw EInvalidOperation("Row isn't one of table '" + Name() + "'");
   if (!pool_.Drop(row)) throw EInvalidOperation("Row was released before");
   const TTableOperation running(*this);
+  RaiseChangeStamp();
   droppedRows_.push_back(row);
 }
 
 void TVXRAMTable::InternalClearAllFieldValues(TVXRAMRow* row) {
   NeedRow(row);
+  RaiseChangeStamp();
   for (const TVXRAMFieldSlot& slot : fieldDefs_->Get_Slots())
     if (RowTakes(row, slot)) std::memset(RowBytes(row) + slot.valueOffset, 0, static_cast<std::size_t>(slot.size));
 }
 
 void TVXRAMTable::InternalClearFieldValue(TVXRAMRow* row, std::int32_t field) {
   const TVXRAMFieldSlot slot = WritableSlot(row, field);
+  RaiseChangeStamp();
   std::memset(RowBytes(row) + slot.valueOffset, 0, static_cast<std::size_t>(slot.size));
 }
 
 void TVXRAMTable::InternalSetFieldStatus(TVXRAMRow* row, std::int32_t field, TVXFieldStatus status) {
   const TVXRAMFieldSlot slot = WritableSlot(row, field);
+  RaiseChangeStamp();
   RowBytes(row)[slot.statusOffset] = status;
 }
 
@@ -413,6 +466,7 @@ TVXFieldStatus TVXRAMTable::InternalGetFieldStatus(const TVXRAMRow* row, std::in
 
 void TVXRAMTable::InternalSetFieldValue(TVXRAMRow* row, std::int32_t field, const void* buffer) {
   const TVXRAMFieldSlot slot = WritableSlot(row, field);
+  RaiseChangeStamp();
   if (slot.size > 0)
     std::memcpy(RowBytes(row) + slot.valueOffset, &NeedBuffer(buffer), static_cast<std::size_t>(slot.size));
 }
@@ -431,6 +485,7 @@ void TVXRAMTable::InternalGetFieldValue(const TVXRAMRow* row, std::int32_t field
 void TVXRAMTable::InternalSetRecordId(TVXRAMRow* row, std::int32_t id) {
   CheckNotReleased(NeedRow(row));
   idsAreUnique_ = false;
+  RaiseChangeStamp();
   std::memcpy(RowBytes(row), &id, sizeof id);
 }
 
@@ -453,7 +508,8 @@ void TVXRAMTable::TakeSortFields(const TVXStringParser& sortItems) {
   std::reverse(sortFields_.begin(), sortFields_.end());
 }
 
-bool TVXRAMTable::SortByFields(TVXList& rows) {
+bool TVXRAMTable::SortByFields(TVXList& rows, TVXRAMKnownSort& known, const TVXRAMRow* touched) {
+  if (sortFields_.empty()) return false;
   std::vector<TSortColumn> columns;
   for (auto field = sortFields_.rbegin(); field != sortFields_.rend(); ++field) {
     const TVXRAMFieldDef& def = Need(field->Get(), "sort field");
@@ -462,8 +518,7 @@ bool TVXRAMTable::SortByFields(TVXList& rows) {
     columns.push_back({def.Get_Slot(), def.Get_SortOrder() == vxrcoDescending});
     currentSortField_ = *field;
   }
-  if (columns.empty()) return false;
-  SortRows(rows.Data(), rows.Count(), columns);
+  known.Sort(rows, columns, changeStamp_, touched);
   return true;
 }
 

@@ -125,6 +125,9 @@ class TVXRAMTable : public TComponent {
   void Pack() {}
 
   std::int32_t GenerateUniqueID() { return CountOn(nextId_); }
+  /// Raised by every write into a row that was made before, and by every change of a field definition. Who keeps
+  /// something that was computed from rows may go on from it as long as the stamp is the one he knows.
+  std::uint64_t Get_ChangeStamp() const { return changeStamp_; }
   /// Rows of the base index.
   std::int32_t Get_RecCount() const { return baseIndex_->Get_RecCount(); }
   /// Bytes of one row. O(1) between changes of the definitions.
@@ -187,11 +190,15 @@ class TVXRAMTable : public TComponent {
   friend class TVXRAMCursor;
   friend class TVXRAMCursorBucketer;
   friend class TVXRAMFieldDef;
+  friend class TVXRAMFieldDefs;
   friend class TVXRAMIndex;
   friend class TVXRAMIndexDef;
   friend class TVXRAMIndexDefs;
 
-  // -- For cursors and indexes
+  // -- For cursors, indexes and definitions
+  void RaiseChangeStamp() { ++changeStamp_; }
+  /// A row with the next id, every other byte zero, in no container. Leaves the change stamp alone.
+  TVXRAMRow* NewRow(std::int32_t& id);
   /// Raises if the element's type isn't the definition's.
   void CheckFieldType(std::int32_t field, const TVXFieldStruct& element) const {
     if (element.FieldType != fieldDefs_->Get_Slots()[static_cast<std::size_t>(field)].type) RaiseMismatch();
@@ -200,10 +207,13 @@ class TVXRAMTable : public TComponent {
   void StoreField(TVXRAMRow* row, std::int32_t field, const TVXFieldStruct& element);
   /// Rebuilds every user index in definition order.
   void RebuildIndices();
+  /// Where the row stands in `rows`, -1 if nowhere; soonest if it is at `hint`.
+  std::int32_t Find(const TVXList& rows, const TVXRAMRow* row, std::int32_t hint) const;
   /// Fills the list of sort fields from a sort specification.
   void TakeSortFields(const TVXStringParser& sortItems);
-  /// Sorts a list of rows by the list of sort fields; false, and nothing done, if that is empty.
-  bool SortByFields(TVXList& rows);
+  /// Sorts a list of rows by the list of sort fields, going on from what is known of an earlier sort; false, and
+  /// nothing done, if there are no such fields.
+  bool SortByFields(TVXList& rows, TVXRAMKnownSort& known, const TVXRAMRow* touched);
   /// True as long as nobody wrote ids or index entries by hand: then no id stands twice in a list.
   bool IdsAreUnique() const { return idsAreUnique_; }
   /// Cursors on the index walk the main list from now on; the index goes when nobody can be inside it.
@@ -222,6 +232,11 @@ class TVXRAMTable : public TComponent {
   void ReleaseHeldRows();
 
   // -- Within
+  std::int32_t InitRow(TVXRAMRow* row);
+  /// The next id into the row's head, and the status; answers the id.
+  std::int32_t GiveId(TVXRAMRow* row);
+  /// A row with the next id and the structure's values, in no container.
+  TVXRAMRow* NewFilledRow(const TVXRecordStruct& record, std::int32_t& id);
   TVXRAMFieldSlot Slot(std::int32_t field) const;
   TVXRAMFieldSlot WritableSlot(const TVXRAMRow* row, std::int32_t field) const;
   [[noreturn]] void RaiseNoRoom(const TVXRAMRow* row, std::int32_t field) const;
@@ -234,16 +249,21 @@ class TVXRAMTable : public TComponent {
   void EndOperation();
   void ReleaseDroppedRows();
   /// Raises EInvalidOperation if notifications have led to notifications too often.
-  void CheckNesting() const;
+  void CheckNesting() const {
+    if (operations_ > kMostNested) RaiseNesting();
+  }
+  [[noreturn]] void RaiseNesting() const;
 
   TVXRAMRowPool pool_;
   std::vector<TVXRAMFieldRef> sortFields_;  // scratch of the sorts, the last item deciding first
   TVXRAMFieldRef currentSortField_;
   TOwned<TVXList> mainRecordList_;
+  TVXRAMKnownSort mainSort_;  // of the main list
   TOwned<TVXRAMFieldDefs> fieldDefs_;
   TOwned<TVXRAMIndexDefs> indices_;
   TOwned<TVXRAMBaseIndex> baseIndex_;
   TListenerList<TVXRAMCursor> cursors_;  // the open ones, in the order of their opening
+  std::uint64_t changeStamp_ = 0;
   std::int32_t nextId_ = 0;
   std::int32_t updateCounter_ = 0;
 

@@ -70,6 +70,8 @@ struct TVXRAMFieldSlot {
   std::int32_t valueOffset = 0;
   std::int32_t size = 0;
   TVXRAMFieldType type = vxrftInteger;
+
+  bool operator==(const TVXRAMFieldSlot&) const = default;
 };
 
 // -- Record structure -------------------------------------------------------------------------------------------------

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "../datetime/WeekScope.h"
 #include "TableKit.h"
 #include "platform/runtime/Locale.h"
@@ -144,6 +146,88 @@ TEST_F(VXRAMCursorBucketerTest, ADeletionByAnotherCursorLeavesTheOldSum) {
   EXPECT_EQ(table->Get_AllocatedRows(), 1 + 1);
   table.Add(Row(2, "b", 8, 8));
   EXPECT_EQ(Values(weeks, {"Load", "Item"}), "10|b");
+}
+
+/// As the cursor's own sort would, all rows anew.
+void SortPlainly(TVXRAMCursor& cursor, std::vector<void*>& rows) {
+  if (cursor.Get_SortedField().empty()) return;
+  const auto list = Make<TVXList>();
+  for (void* const row : rows) list->Add(row);
+  TVXRAMTable& table = cursor.Table();
+  list->SortEx([&table](void* a, void* b) {
+    return table.InternalFieldsCompare(static_cast<TVXRAMRow*>(a), static_cast<TVXRAMRow*>(b));
+  });
+  rows.assign(list->Data(), list->Data() + list->Count());
+}
+
+std::string Bytes(const TVXRAMRow* row) {
+  return {reinterpret_cast<const char*>(RowBytes(row)), static_cast<std::size_t>(TVXRAMRowPool::SizeOf(row))};
+}
+
+/// A table with every kind of fold, sorted by what folds or by what doesn't; changed at random.
+class TChangingOrders : public TOrders {
+ public:
+  explicit TChangingOrders(std::uint32_t seed) : random_(seed), writer_(Open()) {
+    for (std::int32_t i = Below(40); i > 0; --i) Insert();
+    const char* const sorts[] = {"", "Day", "Load.D;Item", "Day.D;Item;Load", "Count"};
+    buckets_ = &OpenBuckets({.fields = Below(2) == 0 ? "Day;Item" : "Item;Day",
+                             .mode = Below(2) == 0 ? vxgrOneWeek : vxgrOneMonth,
+                             .folds = {{"Load", Fold()}, {"Count", Fold()}},
+                             .wish = {.sort = sorts[Below(5)]}});
+  }
+
+  std::int32_t Below(std::int32_t end) { return std::uniform_int_distribution(0, end - 1)(random_); }
+  TVXRAMCursorBucketer& Buckets() { return *buckets_; }
+
+  std::int32_t Insert() {
+    const TCells cells = {Below(9) == 0 ? Null() : Variant(kMonday + Below(60)), Below(2) == 0 ? "a" : "b",
+                          Below(5) == 0 ? Null() : Variant(Below(1000) / 7.0), Below(50)};
+    return Add(cells);
+  }
+  void Change() {
+    if (MainList().Count() > 0) writer_.Set_RecIndex(Below(MainList().Count()));
+    TVXRAMRow* const row = MainList().Count() == 0 ? nullptr : writer_.Get_CurrentRecord();
+    const double load = Below(100) / 3.0;
+    const std::int32_t action = row == nullptr ? 4 : Below(8);
+    if (action == 0) writer_.DeleteRec();
+    if (action == 1) SetField(writer_, "Load", load);
+    if (action == 2) table->InternalClearFieldValue(row, 3);
+    if (action == 3) writer_.UpdateRecWithValues(*Record({kMonday + Below(60), "c", load, 1}));
+    if (action == 4) buckets_->Get_BucketFieldDefs()->Get_BucketFieldDef(Below(2))->Set_BucketType(Fold());
+    if (action == 5) table->InternalSetFieldStatus(Virtual(), 2, vxfsAssigned);
+    if (action == 6) table->InternalSetFieldValue(Virtual(), 2, &load);
+    if (action == 7) buckets_->Get_BucketList()->Get_Bucket(0)->UpdateBucketValues();
+  }
+
+ private:
+  TVXBucketType Fold() { return static_cast<TVXBucketType>(Below(6)); }
+  TVXRAMRow* Virtual() { return buckets_->Get_BucketList()->Get_Bucket(0)->Get_BucketRecord(); }
+
+  std::mt19937 random_;
+  TVXRAMCursor& writer_;
+  TVXRAMCursorBucketer* buckets_ = nullptr;
+};
+
+TEST_F(VXRAMCursorBucketerTest, AnInsertionLeavesWhatThePlainWayMakes) {
+  for (std::uint32_t seed = 1; seed <= 300; ++seed) {
+    SCOPED_TRACE(seed);
+    TChangingOrders table(seed);
+    TVXRAMCursorBucketer& buckets = table.Buckets();
+    for (std::int32_t i = 0; i < 60; ++i) {
+      if (table.Below(3) == 0) table.Change();
+      const TVXList& rows = *buckets.Get_ActiveRecordList();
+      std::vector<void*> plain(rows.Data(), rows.Data() + rows.Count());
+      table.Insert();
+      TVXRAMBucketInfo& touched = *buckets.FindBucketInfoByRecordPointer(table.Row(table.MainList().Count() - 1));
+      if (touched.Get_RecordCount() == 1) plain.push_back(touched.Get_BucketRecord());
+      SortPlainly(buckets, plain);
+      ASSERT_EQ(plain, std::vector<void*>(rows.Data(), rows.Data() + rows.Count()));
+      if (table.Below(3) != 0) continue;  // what goes wrong a little may show after the next one
+      const std::string after = Bytes(touched.Get_BucketRecord());
+      touched.UpdateBucketValues();
+      ASSERT_EQ(after, Bytes(touched.Get_BucketRecord()));
+    }
+  }
 }
 
 TEST_F(VXRAMCursorBucketerTest, EditsNeverMoveRowsToOtherBuckets) {

@@ -126,23 +126,35 @@ void PlainSortRows(std::vector<void*>& rows, const std::vector<TSortColumn>& col
   QuickSort(TPlainItems<void*>{rows.data()}, static_cast<std::int32_t>(rows.size()), compare);
 }
 
+void ExpectPlainOrder(const std::vector<void*>& rows, const std::vector<TSortColumn>& columns) {
+  std::vector<void*> plain = rows, packed = rows;
+  PlainSortRows(plain, columns);
+  SortRows(packed.data(), static_cast<std::int32_t>(packed.size()), columns);
+  ASSERT_EQ(packed, plain);
+}
+
 TEST(VXRAMSort, PackedKeysOrderRowsAsPlainComparesDo) {
   for (std::uint32_t seed = 1; seed <= 600; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     TRandomRows random(seed);
-    const std::vector<void*> rows = random.Rows(random.Below(seed % 20 == 0 ? 600 : 60));
+    const std::vector<void*> rows = random.Rows(random.Below(seed % 40 == 0 ? 4000 : 60));
     for (std::int32_t run = 0; run < 4; ++run) {
       std::vector<TSortColumn> columns;
       for (std::int32_t i = random.Below(4); i >= 0; --i) {
         const std::int32_t field = random.OneIn(3) ? 7 : random.Below(10);  // texts more often
         columns.push_back({random.Slot(field), random.OneIn(2)});
       }
-      std::vector<void*> plain = rows, packed = rows;
-      PlainSortRows(plain, columns);
-      SortRows(packed.data(), static_cast<std::int32_t>(packed.size()), columns);
-      ASSERT_EQ(packed, plain);
+      ExpectPlainOrder(rows, columns);
     }
   }
+}
+
+// A double of all sorts fills a key, so that the many rows of each are sorted anew by what follows.
+TEST(VXRAMSort, ManyRowsOfEqualKeysAreOrderedByWhatFollows) {
+  TRandomRows random(3);
+  const std::vector<void*> rows = random.Rows(40'000);
+  ExpectPlainOrder(rows, {{random.Slot(4), true}, {random.Slot(7), false}});
+  ExpectPlainOrder(rows, {{random.Slot(4), false}, {random.Slot(1), true}, {random.Slot(5), false}});
 }
 
 TEST(VXRAMSort, ComparesAreAnOrderForEveryType) {

@@ -86,11 +86,17 @@ TEST(Text, FoldedBytesAndPrefixesHaveTheOrderOfTheCompareOnAnyBytes) {
     const std::uint64_t left = FoldPrefix8(a);
     const std::uint64_t right = FoldPrefix8(b);
     ASSERT_TRUE(left == right || (left < right ? -1 : 1) == order) << testing::PrintToString(a);
-    std::string prefix = FoldCase(a).substr(0, 8);
-    prefix.resize(8, '\0');
-    std::uint64_t plain = 0;
-    for (const char byte : prefix) plain = plain << 8 | static_cast<std::uint8_t>(byte);
-    ASSERT_EQ(left, plain) << testing::PrintToString(a);
+    const std::string folded = FoldCase(a) + std::string(32, '\0');
+    const std::size_t at = random() % 24;
+    std::uint64_t prefix = 0, later = 0;
+    for (std::size_t i = 0; i < 8; ++i) prefix = prefix << 8 | static_cast<std::uint8_t>(folded[i]);
+    for (std::size_t i = at; i < at + 8; ++i)
+      later = later << 8 | static_cast<std::uint8_t>(i < folded.size() ? folded[i] : '\0');
+    ASSERT_EQ(FoldEight(a, at), later) << testing::PrintToString(a) << " at " << at;
+    const std::string slot = a + std::string(1, '\0') + "after it";
+    const std::size_t room = a.size() + random() % 9;
+    ASSERT_TRUE(a.find('\0') != std::string::npos || FoldSlotPrefix8(slot.data(), room) == prefix);
+    ASSERT_EQ(left, prefix) << testing::PrintToString(a);
   }
 }
 

@@ -1,0 +1,123 @@
+// What the random operations (RandomOperations_test.cpp), whose tables are small, don't reach: deletions from lists
+// that are long enough to keep holes, and the change stamp that the engine's quick ways go by.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "TableKit.h"
+#include "model/Dice.h"
+
+namespace vx {
+namespace {
+
+using naive::TDice;
+
+// -- Deletions --------------------------------------------------------------------------------------------------------
+
+/// A cursor, and the ids that it should walk.
+struct TWalker {
+  TVXRAMCursor* cursor;
+  std::vector<std::int32_t> ids;
+};
+
+/// Where a cursor stands after it has deleted the row at `at`.
+std::int32_t AfterDeletion(const TVXRAMCursor& cursor, std::int32_t at, std::int32_t left) {
+  return std::max(0, std::min(cursor.Get_Order() == vxrcoDescending ? at - 1 : at, left - 1));
+}
+
+TEST(FastPaths, DeletionsFromLongListsAgreeWithVectors) {
+  const std::uint32_t seed = std::random_device{}();
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  TDice dice(seed);
+  TTestTable table({{"Key", vxrftInteger}, {"Even", vxrftBoolean}}, {"Key"});
+  constexpr std::int32_t kCount = 9000;
+  std::vector<std::pair<std::int32_t, std::int32_t>> byKey;
+  for (std::int32_t id = 0; id < kCount; ++id) {
+    byKey.emplace_back(id * 4001 % kCount, id);
+    table.Add({byKey.back().first, id % 2});
+  }
+  std::sort(byKey.begin(), byKey.end());
+  TWalker walkers[] = {{&table.Open(), {}},
+                       {&table.Open({.order = vxrcoDescending}), {}},
+                       {&table.Open({.index = 0}), {}},
+                       {&table.Open({.filterField = "Even", .filterValue = true}), {}}};
+  for (std::int32_t id = 0; id < kCount; ++id) {
+    for (TWalker* walker : {&walkers[0], &walkers[1]}) walker->ids.push_back(id);
+    walkers[2].ids.push_back(byKey[static_cast<std::size_t>(id)].second);
+    if (id % 2 == 1) walkers[3].ids.push_back(id);
+  }
+  std::int32_t run = 0;
+  TWalker* walker = walkers;
+  for (std::int32_t step = 0; step < kCount - 500; ++step) {
+    if (run-- == 0) {
+      run = dice.Below(30);
+      walker = &walkers[dice.Below(4)];
+      walker->cursor->GoToFirstRec();
+      walker->cursor->Set_RecordID(dice.OneIn(2) ? -1 : dice.Pick(walker->ids));
+    }
+    const std::int32_t at = walker->cursor->Get_EffectiveRecordIndex();
+    const std::int32_t id = walker->ids.at(static_cast<std::size_t>(at));
+    ASSERT_EQ(walker->cursor->Get_RecordID(), id) << "step " << step;
+    const std::int32_t physical = walker->cursor->Get_PhysicalIndex();
+    walker->cursor->DeleteRec();
+    for (TWalker& each : walkers) {
+      std::erase(each.ids, id);
+      ASSERT_EQ(each.cursor->Get_RecordCount(), static_cast<std::int32_t>(each.ids.size()));
+    }
+    ASSERT_EQ(walker->cursor->Get_PhysicalIndex(),
+              AfterDeletion(*walker->cursor, physical, static_cast<std::int32_t>(walker->ids.size())));
+  }
+  for (const TWalker& each : walkers)
+    for (std::int32_t i = 0; i < each.cursor->Get_RecordCount(); ++i)
+      ASSERT_EQ(RowId(static_cast<TVXRAMRow*>(each.cursor->Get_ActiveRecordList()->Items(i))),
+                each.ids[static_cast<std::size_t>(i)]);
+  EXPECT_EQ(table->CheckRows(), "");
+}
+
+// -- The change stamp -------------------------------------------------------------------------------------------------
+
+TEST(FastPaths, EveryWriteIntoAnOlderRowRaisesTheChangeStamp) {
+  TTestTable table({{"Load", vxrftInteger}, {"Name", vxrftString, 8}});
+  table.Add({1, "a"});
+  TVXRAMCursor& cursor = table.Open();
+  TVXRAMRow* const row = table.Row(0);
+  const auto record = table.Record({2, "b"});
+  const std::function<void()> silent[] = {[&] {
+                                            table.Add({3, "c"});
+                                          },
+                                          [&] { table.AddEmpty(); }, [&] { cursor.InsertRecWithValues(*record, true); },
+                                          [&] { cursor.Sort("Load.D"); },
+                                          [&] { table->DeleteRecord(&cursor, table.Row(0)); }};
+  const std::function<void()> raising[] = {[&] { cursor.SetFieldValue(0, record->Field(0).Value); },
+                                           [&] { cursor.ClearFieldValue(1); },
+                                           [&] { cursor.UpdateRecWithValues(*record); },
+                                           [&] { table->InternalSetFieldStatus(row, 0, vxfsNull); },
+                                           [&] { table->InternalClearFieldValue(row, 0); },
+                                           [&] { table->InternalClearAllFieldValues(row); },
+                                           [&] { table->InternalInitRecord(row); },
+                                           [&] { table->InternalSetRecordId(row, 9); },
+                                           [&] { table->ClearTable(), table.Field("Load")->Set_DataType(vxrftFloat); },
+                                           [&] { table.Field("Name")->Set_ByteSize(9); },
+                                           [&] { table.Field("Name")->Set_Name("Text"); },
+                                           [&] { table.Field("Text")->SetIndex(0); },
+                                           [&] { AddField(*table, "More", vxrftWord); },
+                                           [&] { table.Field("More")->Free(); }};
+  for (const auto& action : silent) {
+    const std::uint64_t before = table->Get_ChangeStamp();
+    action();
+    EXPECT_EQ(table->Get_ChangeStamp(), before) << &action - silent;
+  }
+  for (const auto& action : raising) {
+    const std::uint64_t before = table->Get_ChangeStamp();
+    action();
+    EXPECT_GT(table->Get_ChangeStamp(), before) << &action - raising;
+  }
+}
+
+}  // namespace
+}  // namespace vx
