@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# tools/demo.sh DIR: draws a few charts of the sample orders into DIR with the program kestrix, and says where they are.
+# tools/demo.sh DIR: shows tables and draws a few charts of the sample orders into DIR with the program kestrix, and says where they are.
 set -euo pipefail
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 dir=${1:?where to draw is missing}
@@ -16,6 +16,10 @@ picture() {
 
 echo "A look at the table behind the pictures:"
 "$top/dev" run table "$orders" --columns "Order ID,Order Year,Order Month,Product Department,Order Quantity,Profit" --limit 8
+echo
+echo "The same by year and market:"
+"$top/dev" run bucket "$orders" --date "Order Year,Order Month,Order Day" --by year --group "Customer Market" --count \
+  --sum "Order Quantity" --sum Profit --average Profit --totals
 echo
 echo "Pictures of tests/data/orders_sample.csv:"
 picture quantity_by_month --value "Order Quantity" --series "Product Department" --by month --title "Ordered pieces by month"

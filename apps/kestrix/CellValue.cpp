@@ -21,6 +21,11 @@ std::string MomentText(const TMoment& moment) {
   return text.ends_with(".000") ? text.substr(0, text.size() - 4) : text;
 }
 
+bool IsPlain(double value) {
+  const double size = std::fabs(value);
+  return size == 0 || (size >= kSmallestPlain && size < kLargestPlain);
+}
+
 template <class T>
 std::int32_t Order(const T& a, const T& b) {
   return a < b ? -1 : b < a ? 1 : 0;
@@ -34,13 +39,21 @@ TCellValue OrNull(const std::optional<T>& value) {
 }  // namespace
 
 std::string NumberText(double value) {
-  const double size = std::fabs(value);
-  const bool isPlain = size == 0 || (size >= kSmallestPlain && size < kLargestPlain);
   std::array<char, 64> buffer{};
   char* const end = buffer.data() + buffer.size();
-  const auto result = isPlain ? std::to_chars(buffer.data(), end, value, std::chars_format::fixed)
-                              : std::to_chars(buffer.data(), end, value);
+  const auto result = IsPlain(value) ? std::to_chars(buffer.data(), end, value, std::chars_format::fixed)
+                                     : std::to_chars(buffer.data(), end, value);
   return {buffer.data(), result.ptr};
+}
+
+std::string NumberText(double value, int decimals) {
+  if (std::fabs(value) >= kLargestPlain) return NumberText(value);
+  std::array<char, 64> buffer{};
+  const auto result =
+      std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::fixed, decimals);
+  const std::string text(buffer.data(), result.ptr);
+  const bool isNothing = text.find_first_not_of("-0.") == std::string::npos;
+  return isNothing && text.front() == '-' ? text.substr(1) : text;
 }
 
 std::string CellText(const TCellValue& value) {

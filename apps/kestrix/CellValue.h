@@ -28,6 +28,8 @@ inline bool IsNull(const TCellValue& value) { return std::holds_alternative<std:
 std::string CellText(const TCellValue& value);
 /// "12", "0.25", "1e+300"; reading it gives the same number.
 std::string NumberText(double value);
+/// For people: with so many decimals, unless the number is too large to have any.
+std::string NumberText(double value, int decimals);
 
 /// -1, 0 or 1 for two values of one type that aren't null: text by locale without letter case, as a sort orders it.
 std::int32_t CompareCells(const TCellValue& a, const TCellValue& b);

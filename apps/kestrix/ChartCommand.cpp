@@ -1,15 +1,14 @@
 #include "ChartCommand.h"
 
 #include <algorithm>
-#include <array>
 #include <limits>
 #include <ostream>
 #include <utility>
 
 #include "ColumnNames.h"
+#include "Folding.h"
 #include "InputFile.h"
 #include "Interrupt.h"
-#include "OutputFile.h"
 #include "Picture.h"
 #include "TableLoader.h"
 #include "UserError.h"
@@ -24,32 +23,6 @@ namespace {
 
 constexpr std::int32_t kLongestSide = 32767;
 constexpr std::size_t kMostPointers = 60;  ///< periods up to which a line marks its points
-
-constexpr std::array<std::pair<std::string_view, TVXGroupMode>, 5> kGroupModes = {{{"day", vxgrOneDay},
-                                                                                   {"week", vxgrOneWeek},
-                                                                                   {"month", vxgrOneMonth},
-                                                                                   {"year", vxgrOneYear},
-                                                                                   {"century", vxgrOneCentury}}};
-constexpr std::array<std::pair<std::string_view, TVXBucketType>, 6> kAggregates = {{{"sum", vxbtCumulate},
-                                                                                    {"average", vxbtAverage},
-                                                                                    {"min", vxbtMinValue},
-                                                                                    {"max", vxbtMaxValue},
-                                                                                    {"first", vxbtFirstBucket},
-                                                                                    {"last", vxbtLastBucket}}};
-
-template <class T, std::size_t N>
-std::optional<T> ValueOfName(const std::array<std::pair<std::string_view, T>, N>& names, std::string_view name) {
-  for (const auto& [known, value] : names)
-    if (known == name) return value;
-  return std::nullopt;
-}
-
-template <class T, std::size_t N>
-std::string_view NameOfValue(const std::array<std::pair<std::string_view, T>, N>& names, T value) {
-  for (const auto& [name, known] : names)
-    if (known == value) return name;
-  return {};
-}
 
 // -- Pictures ---------------------------------------------------------------------------------------------------------
 
@@ -75,38 +48,12 @@ std::string Draw(const TCustomChart& chart, TSize size, TPictureKind kind) {
 
 TChartColumns ResolveColumns(const TChartOptions& options, const std::vector<std::string>& headings) {
   TChartColumns columns;
-  columns.date = NeedHeadings(headings, options.date, ',');
-  if (columns.date.size() != 1 && columns.date.size() != 3)
-    throw EUserError("--date " + Quoted(options.date) + " should be one column, or a year, a month and a day column");
+  columns.date = NeedDateColumns(headings, options.date);
   columns.value = NeedHeading(headings, options.value);
   if (columns.date.size() == 1 && columns.date[0] == columns.value)
     throw EUserError("--date and --value are the same column, " + Quoted(headings[columns.value]));
   if (!options.series.empty()) columns.series = NeedHeading(headings, options.series);
   return columns;
-}
-
-/// What a chart needs its columns to be, whatever was found or wished.
-TTypeWishes WishesFor(const TChartOptions& options, const TChartColumns& columns,
-                      const std::vector<std::string>& headings) {
-  TTypeWishes wishes = options.input.wishes;
-  const TColumnType datePart = columns.date.size() == 3 ? TColumnType::Integer : TColumnType::DateTime;
-  for (const std::size_t column : columns.date) wishes.types.emplace_back(headings[column], datePart);
-  if (std::find(columns.date.begin(), columns.date.end(), columns.value) == columns.date.end())
-    wishes.types.emplace_back(headings[columns.value], TColumnType::Float);
-  return wishes;
-}
-
-/// The columns of the table that is folded: of each record a date, the number of its series, and a value.
-TColumnPlan PlanOfPoints(const TColumnPlan& plan, const TChartColumns& columns) {
-  TColumnPlan points;
-  points.records = plan.records;
-  const std::size_t series = columns.series.value_or(columns.value);
-  for (const std::size_t column : {columns.date.front(), series, columns.value})
-    points.columns.push_back(plan.columns[column]);
-  points.columns[0].type = TColumnType::DateTime;
-  points.columns[1].type = TColumnType::Integer;
-  points.columns[2].type = TColumnType::Float;
-  return points;
 }
 
 void TellLeftOut(const TPointSet& set, std::ostream& err) {
@@ -117,9 +64,8 @@ void TellLeftOut(const TPointSet& set, std::ostream& err) {
 }
 
 std::string DefaultTitle(const TChartOptions& options, const std::string& heading) {
-  const std::string how =
-      options.aggregate == vxbtCumulate ? "" : " (" + std::string(NameOfAggregate(options.aggregate)) + ")";
-  return heading + how + " by " + std::string(NameOfGroupMode(options.by));
+  const std::string how = options.aggregate == vxbtCumulate ? "" : " (" + NameOfAggregate(options.aggregate) + ")";
+  return heading + how + " by " + NameOfGroupMode(options.by);
 }
 
 // -- The chart --------------------------------------------------------------------------------------------------------
@@ -132,11 +78,6 @@ TChartSeries* NewSeries(TChart& chart, const TChartOptions& options, std::size_t
 }
 
 }  // namespace
-
-std::optional<TVXGroupMode> GroupModeOfName(std::string_view name) { return ValueOfName(kGroupModes, name); }
-std::optional<TVXBucketType> AggregateOfName(std::string_view name) { return ValueOfName(kAggregates, name); }
-std::string_view NameOfGroupMode(TVXGroupMode mode) { return NameOfValue(kGroupModes, mode); }
-std::string_view NameOfAggregate(TVXBucketType type) { return NameOfValue(kAggregates, type); }
 
 std::optional<TSize> SizeOfText(std::string_view text) {
   const std::size_t cross = text.find('x');
@@ -169,14 +110,14 @@ TOwned<TChart> MakeChart(const TFoldedChart& folded, const TChartOptions& option
 
 void RunChart(const TChartOptions& options, const TStreams& streams) {
   const TPictureKind kind = KindOfOutput(options.output);
-  const bool goesToFile = options.output != kStandardInput;
-  if (goesToFile) CheckOutput(options.output, PathsOf(options.input));
+  TResult result(options.output, options.input, streams);
   TInputs inputs(options.input, streams);
   TCsvSource& source = inputs.Source();
   const std::vector<std::string>& headings = source.Headings();
   const TChartColumns columns = ResolveColumns(options, headings);
-  const TColumnPlan plan = PlanColumns(source, WishesFor(options, columns, headings));
-  CheckMemory(source, PlanOfPoints(plan, columns), options.input.limits);
+  const TColumnPlan plan =
+      PlanColumns(source, WishesOfFold(options.input.wishes, headings, columns.date, {columns.value}));
+  CheckMemory(source, PlanOfPoints(headings[columns.date.front()], plan.records), options.input.limits);
 
   TPointSet points = ReadPoints(source, plan, columns);
   inputs.TellSkipped();
@@ -189,9 +130,8 @@ void RunChart(const TChartOptions& options, const TStreams& streams) {
   const auto chart = MakeChart(folded, options, options.title.value_or(DefaultTitle(options, headings[columns.value])));
   const std::string picture = Draw(*chart, options.size, kind);
   CheckInterrupt();
-  if (goesToFile) return WriteOutput(options.output, picture);
-  streams.out << picture;
-  FinishOutput(streams.out);
+  result.Out() << picture;
+  result.Finish();
 }
 
 }  // namespace vx::kestrix

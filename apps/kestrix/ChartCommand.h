@@ -38,12 +38,7 @@ void RunChart(const TChartOptions& options, const TStreams& streams);
 /// The chart of folded values, as RunChart draws it.
 TOwned<TChart> MakeChart(const TFoldedChart& folded, const TChartOptions& options, const std::string& title);
 
-// -- Words of the command line; nothing for others --------------------------------------------------------------------
-std::optional<TVXGroupMode> GroupModeOfName(std::string_view name);
-std::optional<TVXBucketType> AggregateOfName(std::string_view name);
-std::string_view NameOfGroupMode(TVXGroupMode mode);
-std::string_view NameOfAggregate(TVXBucketType type);
-/// "1280x720"; sides of 1 to 32767.
+/// "1280x720"; sides of 1 to 32767. Nothing for other texts.
 std::optional<TSize> SizeOfText(std::string_view text);
 
 }  // namespace vx::kestrix

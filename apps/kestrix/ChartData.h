@@ -4,8 +4,7 @@
 //   KeepLargest(points, 12);                                         // the rest becomes "others"
 //   const TFoldedChart chart = FoldPoints(points, vxgrOneMonth, vxbtCumulate);
 //
-// Folding is the work of a cursor bucketer over a table of (date, series, value); here only the rows go in and the
-// buckets come out.
+// Periods without records get their place here; the folding itself is that of Folding.h.
 #pragma once
 
 #include <cstddef>
@@ -16,6 +15,7 @@
 
 #include "ColumnPlan.h"
 #include "CsvSource.h"
+#include "DateColumns.h"
 #include "data/VXRAMCursorBucketer_CMP.h"
 #include "datetime/VXDateGroup_UNT.h"
 
@@ -23,7 +23,7 @@ namespace vx::kestrix {
 
 /// Positions of the columns that a chart is made of.
 struct TChartColumns {
-  std::vector<std::size_t> date;  ///< one, or year, month and day
+  TDateColumns date;
   std::size_t value = 0;
   std::optional<std::size_t> series;
 };
@@ -47,6 +47,9 @@ TPointSet ReadPoints(TCsvSource& source, const TColumnPlan& plan, const TChartCo
 /// Puts the series in order of their size, the sum of all values without their signs, largest first; of more than
 /// `count` all but the largest become one, "others", which is the last.
 void KeepLargest(TPointSet& set, std::size_t count);
+
+/// The columns of the table in which so many points are folded; `date` is what messages call the first.
+TColumnPlan PlanOfPoints(const std::string& date, std::size_t count);
 
 struct TFoldedChart {
   std::vector<TDateTime> periods;  ///< every group from the first to the last, those without records too

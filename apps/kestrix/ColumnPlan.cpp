@@ -34,8 +34,6 @@ void RemarkOnDates(const TCsvSource& source, const TColumn& column) {
                                                         " for the other)");
 }
 
-bool IsDateType(TColumnType type) { return type == TColumnType::Date || type == TColumnType::DateTime; }
-
 TColumn ColumnOf(const TTypeFinder& finder, char decimal, TDateOrder preferred) {
   TColumn column;
   column.type = finder.Type(decimal);

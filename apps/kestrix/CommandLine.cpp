@@ -6,10 +6,12 @@
 #include <new>
 #include <ostream>
 
+#include "BucketCommand.h"
 #include "ChartCommand.h"
 #include "Suggest.h"
 #include "TableCommand.h"
 #include "UserError.h"
+#include "platform/runtime/Text.h"
 
 namespace vx::kestrix {
 
@@ -23,6 +25,7 @@ constexpr const char* kExamples = R"(Examples:
   kestrix table orders.csv --where "Customer Market=Europe" --sort "Profit.D;Order ID" --limit 10
   kestrix table orders.csv --where "Discount % is null" --columns "Order ID,Profit" --format json
   kestrix table orders.csv --stats
+  kestrix bucket orders.csv --date "Order Date" --by week --group Department --sum Quantity --average Profit
   kestrix chart orders.csv --date "Order Year,Order Month,Order Day" --value "Order Quantity" \
       --series "Product Department" --by month -o out.png
   kestrix <command> --help)";
@@ -35,6 +38,27 @@ Examples:
   kestrix table orders.csv --where "Profit>=100" --where "Shipment Mode!=Same Day" --sort "Profit.D"
   kestrix table orders.csv --type "Order ID=string" --index "Order ID" --desc --limit 5
   some-program | kestrix table --separator ";" --format tsv -o clean.tsv)";
+
+constexpr const char* kBucketHelp =
+    R"(A row for each period and group that has records; a period without records has none. Columns stand in the order of
+their options, under headings like "Sum of Profit"; --sort knows these, "Month" (or what --by says), the groups, and
+"Profit" for the first column made of it. Without any of the columns the records are counted.
+
+A period is shown by its first day, with --label end by its last. A century is named by the year that closes it: 1950
+and 2000 belong to 2000-01-01, 2001 to 2100-01-01; its last day is 2000-12-31.
+First and last go by the date (with its time of day): --first is the value of the record with the earliest date of the
+period, --last of the latest. Of several records with that very date it is in both cases the one that stands last in
+the file.
+A null counts as zero, and an average divides by its record too; only a row of nothing but nulls shows none. --where
+"COLUMN is not null" leaves such records out. Records without a date are always left out.
+The totals are those of all records that meet the conditions, also where --limit shows fewer rows. Conditions
+and sorts are written as for kestrix table.
+
+Examples:
+  kestrix bucket orders.csv --date "Order Date" --by week --start-of-week monday --group Department --sum Quantity
+  kestrix bucket orders.csv --date "Order Year,Order Month,Order Day" --count --sum Profit --average Profit --totals
+  kestrix bucket orders.csv --by year --group Market --sum Profit --sort "Profit.D" --limit 10 --format csv -o top.csv
+  kestrix bucket stock.csv --by month --label end --group Item --last Level --min Level --max Level)";
 
 constexpr const char* kChartExamples = R"(Examples:
   kestrix chart orders.csv --date "Order Date" --value Profit -o profit.png
@@ -57,6 +81,18 @@ struct TRawInput {
 struct TRawTable {
   TRawInput input;
   TTableOptions options;
+  std::string format = "table";
+  std::int64_t limit = -1;
+};
+
+struct TRawBucket {
+  TRawInput input;
+  TBucketOptions options;
+  std::string by = "month";
+  bool count = false;
+  std::vector<std::vector<std::string>> aggregates = std::vector<std::vector<std::string>>(kAggregateNames.size());
+  std::string startOfWeek;
+  std::string label = "start";
   std::string format = "table";
   std::int64_t limit = -1;
 };
@@ -104,24 +140,63 @@ void AddInputOptions(CLI::App& app, TRawInput& raw, const std::string& typeHelp)
   app.add_flag("--skip-bad", raw.skipBad, "Leave bad records out and count them")->group(group);
 }
 
+/// What a table of rows is asked, whatever its rows are.
+template <class Raw>
+void AddRowOptions(CLI::App& app, Raw& raw, const std::string& rows) {
+  app.add_option("--sort", raw.options.sort, "Columns to sort by: \"A;B.D\"");
+  app.add_option("--limit", raw.limit, "Most " + rows + " to show")
+      ->check(CLI::Range(0, std::numeric_limits<std::int32_t>::max()));
+  app.add_flag("--desc", raw.options.isDescending, "Walks from the last of the " + rows + " to the first");
+  app.add_option("--format", raw.format, "How to write")
+      ->capture_default_str()
+      ->check(CLI::IsMember({"table", "csv", "tsv", "json"}));
+  app.add_option("-o,--output", raw.options.output, "A file to write instead of standard output");
+}
+
+void AddPeriod(CLI::App& app, std::string& by) {
+  app.add_option("--by", by, "Period")->capture_default_str()->check(CLI::IsMember(kGroupModeNames));
+}
+
 CLI::App* AddTable(CLI::App& app, TRawTable& raw) {
   TTableOptions& options = raw.options;
   CLI::App* const command = app.add_subcommand("table", "Shows records, filtered and sorted");
   AddInputOptions(*command, raw.input, "");
   AddList(*command, "--where", options.where, "A condition that records must meet; all of several");
-  command->add_option("--sort", options.sort, "Columns to sort by: \"A;B.D\"");
   command->add_option("--index", options.index, "Walks an index on this column");
   command->add_option("--columns", options.columns, "Columns to show, separated by commas");
-  command->add_option("--limit", raw.limit, "Most records to show")
-      ->check(CLI::Range(0, std::numeric_limits<std::int32_t>::max()));
-  command->add_flag("--desc", options.isDescending, "Walks from the last record to the first");
-  command->add_option("--format", raw.format, "How to write")
-      ->capture_default_str()
-      ->check(CLI::IsMember({"table", "csv", "tsv", "json"}));
+  AddRowOptions(*command, raw, "records");
   command->add_flag("--stats", options.wantsStats,
                     "Shows type, nulls, least, greatest and number of distinct values of each column");
-  command->add_option("-o,--output", options.output, "A file to write instead of standard output");
   command->footer(kTableExamples);
+  return command;
+}
+
+CLI::App* AddBucket(CLI::App& app, TRawBucket& raw) {
+  TBucketOptions& options = raw.options;
+  CLI::App* const command = app.add_subcommand("bucket", "Shows sums, averages and more by period and group");
+  AddInputOptions(*command, raw.input, "");
+  command->add_option("--date", options.date,
+                      "A date column, or \"YEAR,MONTH,DAY\" columns (else the only column of dates)");
+  AddPeriod(*command, raw.by);
+  AddList(*command, "--group", options.groups,
+          "A column that parts each period into groups; a second one parts the groups");
+  command->add_flag("--count", raw.count, "Shows the number of records");
+  constexpr const char* kHelp[] = {"Shows the sum of a column of numbers",
+                                   "Shows the average; all records count, nulls as zero",
+                                   "Shows the least value",
+                                   "Shows the greatest value",
+                                   "Shows the value of the earliest record; of the later one in the file on a tie",
+                                   "Shows the value of the latest record; of the later one in the file on a tie"};
+  for (std::size_t i = 0; i < kAggregateNames.size(); ++i)
+    AddList(*command, "--" + kAggregateNames[i], raw.aggregates[i], kHelp[i]);
+  AddList(*command, "--where", options.where, "A condition that records must meet; all of several");
+  command->add_option("--start-of-week", raw.startOfWeek, "A weekday, or 1 (sunday, as without it) to 7 (saturday)");
+  command->add_option("--label", raw.label, "The day that names a period; a century has its last year's name")
+      ->capture_default_str()
+      ->check(CLI::IsMember({"start", "end"}));
+  command->add_flag("--totals", options.wantsTotals, "Shows a last row with the totals of all records");
+  AddRowOptions(*command, raw, "rows");
+  command->footer(kBucketHelp);
   return command;
 }
 
@@ -135,12 +210,10 @@ CLI::App* AddChart(CLI::App& app, TRawChart& raw) {
   command->add_option("--top", raw.top, "Largest series shown before \"others\"")
       ->capture_default_str()
       ->check(CLI::Range(1, 1000));
-  command->add_option("--by", raw.by, "Period")
-      ->capture_default_str()
-      ->check(CLI::IsMember({"day", "week", "month", "year", "century"}));
+  AddPeriod(*command, raw.by);
   command->add_option("--aggregate", raw.aggregate, "What is shown of a period's values")
       ->capture_default_str()
-      ->check(CLI::IsMember({"sum", "average", "min", "max", "first", "last"}));
+      ->check(CLI::IsMember(kAggregateNames));
   command->add_option("--size", raw.size, "Width and height in pixels")->capture_default_str();
   command->add_option("--title", raw.title, "Title (else column and period)");
   command->add_option("-o,--output", options.output, "The picture to write: NAME.png")->required();
@@ -188,6 +261,42 @@ TTableOptions TableOf(const TRawTable& raw) {
   return options;
 }
 
+/// 1 is Sunday. The beginning of a day's name will do.
+std::int32_t StartOfWeekOf(const std::string& text) {
+  static const std::vector<std::string> kDays = {"sunday",   "monday", "tuesday", "wednesday",
+                                                 "thursday", "friday", "saturday"};
+  const auto number = ReadInteger(text);
+  if (number && *number >= 1 && *number <= 7) return *number;
+  for (std::size_t i = 0; i < kDays.size(); ++i)
+    if (text.size() > 1 && kDays[i].starts_with(LowerCase(text))) return static_cast<std::int32_t>(i) + 1;
+  throw EUserError("--start-of-week " + Quoted(text) + " should be a weekday, or 1 (sunday) to 7 (saturday)" +
+                   DidYouMean(text, kDays));
+}
+
+/// In the order in which they were typed, over all options.
+std::vector<TBucketAggregate> AggregatesOf(const CLI::App& command, const TRawBucket& raw) {
+  std::vector<TBucketAggregate> aggregates;
+  std::vector<std::size_t> used(raw.aggregates.size());
+  for (const CLI::Option* const option : command.parse_order()) {
+    const std::string name = option->get_single_name();
+    if (name == "count") aggregates.push_back({});
+    if (const auto type = AggregateOfName(name)) aggregates.push_back({*type, raw.aggregates[*type][used[*type]++]});
+  }
+  return aggregates;
+}
+
+TBucketOptions BucketOf(const TRawBucket& raw, const CLI::App& command) {
+  TBucketOptions options = raw.options;
+  options.input = InputOf(raw.input);
+  options.by = GroupModeOfName(raw.by).value_or(vxgrOneMonth);
+  options.aggregates = AggregatesOf(command, raw);
+  if (!raw.startOfWeek.empty()) options.startOfWeek = StartOfWeekOf(raw.startOfWeek);
+  options.isLabelledAtEnd = raw.label == "end";
+  options.format = FormatOfName(raw.format).value_or(TTableFormat::Table);
+  if (raw.limit >= 0) options.limit = static_cast<std::size_t>(raw.limit);
+  return options;
+}
+
 /// "--type bar" says what is drawn, "--type COLUMN=TYPE" what is read.
 bool TakeBars(std::vector<std::string>& types) {
   bool hasBars = false;
@@ -217,8 +326,8 @@ TChartOptions ChartOf(TRawChart raw, bool hasTitle) {
 
 /// The first word, if it is one, must be a command; the parser's own words for that are no help.
 void CheckCommand(const std::vector<std::string>& arguments) {
-  static const std::vector<std::string> kCommands = {"table", "chart"};
-  if (arguments.empty()) throw EUserError("a command is missing, table or chart; see kestrix --help");
+  static const std::vector<std::string> kCommands = {"table", "bucket", "chart"};
+  if (arguments.empty()) throw EUserError("a command is missing: table, bucket or chart; see kestrix --help");
   const std::string& first = arguments.front();
   if (first.starts_with('-') || std::find(kCommands.begin(), kCommands.end(), first) != kCommands.end()) return;
   throw EUserError("no command " + Quoted(first) + DidYouMean(first, kCommands));
@@ -229,8 +338,10 @@ int Run(std::vector<std::string> arguments, const TStreams& streams) {
   app.set_version_flag("--version", "kestrix " KESTRIX_VERSION);
   app.footer(kExamples);
   TRawTable table;
+  TRawBucket bucket;
   TRawChart chart;
   const CLI::App* const tableCommand = AddTable(app, table);
+  const CLI::App* const bucketCommand = AddBucket(app, bucket);
   const CLI::App* const chartCommand = AddChart(app, chart);
   CheckCommand(arguments);
   try {
@@ -242,6 +353,7 @@ int Run(std::vector<std::string> arguments, const TStreams& streams) {
     throw EUserError(OneLine(error.what()) + "; see kestrix --help");
   }
   if (tableCommand->parsed()) RunTable(TableOf(table), streams);
+  if (bucketCommand->parsed()) RunBucket(BucketOf(bucket, *bucketCommand), streams);
   if (chartCommand->parsed()) RunChart(ChartOf(std::move(chart), chartCommand->count("--title") > 0), streams);
   return kSuccess;
 }

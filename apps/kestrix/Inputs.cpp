@@ -4,6 +4,7 @@
 
 #include "InputFile.h"
 #include "Interrupt.h"
+#include "OutputFile.h"
 #include "UserError.h"
 
 namespace vx::kestrix {
@@ -41,9 +42,15 @@ std::vector<std::string> PathsOf(const TInputOptions& options) {
   return options.files.empty() ? std::vector<std::string>{kStandardInput} : options.files;
 }
 
-void FinishOutput(std::ostream& out) {
-  out.flush();
-  if (!out) throw EUserError("the output cannot be written");
+TResult::TResult(const std::string& path, const TInputOptions& inputs, const TStreams& streams)
+    : streams_(streams), path_(path), isFile_(!path.empty() && path != kStandardInput) {
+  if (isFile_) CheckOutput(path_, PathsOf(inputs));
+}
+
+void TResult::Finish() {
+  if (isFile_) return WriteOutput(path_, file_.str());
+  streams_.out.flush();
+  if (!streams_.out) throw EUserError("the output cannot be written");
 }
 
 }  // namespace vx::kestrix

@@ -4,6 +4,7 @@
 #include <functional>
 #include <iosfwd>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -56,7 +57,21 @@ class TInputs {
 /// The files, or "-" if there are none.
 std::vector<std::string> PathsOf(const TInputOptions& options);
 
-/// Ends a command: what was written to `out` is flushed. Raises EUserError if that failed.
-void FinishOutput(std::ostream& out);
+/// Where a command's result goes: to a file, which gets it whole or not at all, or to standard output.
+class TResult {
+ public:
+  /// `path` is a file, or standard output if it is empty or "-". Raises EUserError if nothing can be written there.
+  TResult(const std::string& path, const TInputOptions& inputs, const TStreams& streams);
+
+  std::ostream& Out() { return isFile_ ? file_ : streams_.out; }
+  /// Ends the command. Raises EUserError if not all could be written.
+  void Finish();
+
+ private:
+  const TStreams& streams_;
+  std::string path_;
+  bool isFile_;
+  std::ostringstream file_;
+};
 
 }  // namespace vx::kestrix

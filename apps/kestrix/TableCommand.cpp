@@ -2,15 +2,12 @@
 
 #include <algorithm>
 #include <numeric>
-#include <ostream>
-#include <sstream>
 #include <unordered_set>
 #include <utility>
 
 #include "ColumnNames.h"
 #include "Conditions.h"
 #include "Interrupt.h"
-#include "OutputFile.h"
 #include "SortSpec.h"
 #include "UserError.h"
 
@@ -85,8 +82,6 @@ class TQueryCursor {
   TVXRAMCursor* cursor_ = nullptr;
 };
 
-bool IsNumberType(TColumnType type) { return type == TColumnType::Integer || type == TColumnType::Float; }
-
 /// Calls `use` with the values of each row that the query gives, up to the limit.
 template <class Use>
 void ForEachRow(TQueryCursor& cursor, const TRowReader& reader, const TQuery& query, std::optional<std::size_t> limit,
@@ -152,12 +147,10 @@ std::vector<TColumnStats> CollectStats(const TQuery& query, TQueryCursor& cursor
   return stats;
 }
 
-bool GoesToFile(const TTableOptions& options) { return !options.output.empty() && options.output != "-"; }
-
 }  // namespace
 
 void RunTable(const TTableOptions& options, const TStreams& streams) {
-  if (GoesToFile(options)) CheckOutput(options.output, PathsOf(options.input));
+  TResult result(options.output, options.input, streams);
   TInputs inputs(options.input, streams);
   const TColumnPlan plan = PlanColumns(inputs.Source(), options.input.wishes);
   const TQuery query = ResolveQuery(options, inputs.Source().Headings(), plan);
@@ -166,17 +159,12 @@ void RunTable(const TTableOptions& options, const TStreams& streams) {
 
   const TRowReader reader(*table, plan);
   TQueryCursor cursor(*table, reader, query, options.isDescending ? vxrcoDescending : vxrcoAscending);
-  std::ostringstream file;
-  std::ostream& out = GoesToFile(options) ? file : streams.out;
-  const auto writer = MakeTableWriter(options.format, out);
+  const auto writer = MakeTableWriter(options.format, result.Out());
   if (options.wantsStats)
     WriteStats(*writer, plan, query, CollectStats(query, cursor, reader, options.limit));
   else
     WriteRows(*writer, plan, query, cursor, reader, options.limit);
-  if (GoesToFile(options))
-    WriteOutput(options.output, file.str());
-  else
-    FinishOutput(out);
+  result.Finish();
 }
 
 }  // namespace vx::kestrix

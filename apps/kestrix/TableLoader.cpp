@@ -76,15 +76,6 @@ std::string Mebibytes(std::uint64_t bytes) { return std::to_string((bytes + (1u 
   throw EUserError(place.value_or(TPlace{source.Name(), 0, {}}), message + "; see --memory)");
 }
 
-void AssignValue(TVXFieldStruct& field, const TCellValue& value) {
-  field.IsNull = true;
-  if (const auto* isTrue = std::get_if<bool>(&value)) field.AssignValue<std::uint8_t>(*isTrue ? 1 : 0);
-  if (const auto* integer = std::get_if<std::int32_t>(&value)) field.AssignValue(*integer);
-  if (const auto* number = std::get_if<double>(&value)) field.AssignValue(*number);
-  if (const auto* moment = std::get_if<TMoment>(&value)) field.AssignValue(moment->days);
-  if (const auto* text = std::get_if<std::string>(&value)) field.AssignText(*text);
-}
-
 /// Fills rows of one table, either way.
 class TFiller {
  public:
@@ -149,11 +140,20 @@ TOwned<TVXRAMTable> LoadTable(TCsvSource& source, const TColumnPlan& plan, const
   TFiller filler(*table, index.has_value());
   source.ForEach([&](const TCsvRecord& record) {
     for (std::size_t i = 0; i < plan.columns.size(); ++i)
-      AssignValue(filler.Field(i), ReadCell(source, plan, record, i));
+      AssignCell(filler.Field(i), ReadCell(source, plan, record, i));
     filler.AddRow();
   });
   filler.Finish();
   return table;
+}
+
+void AssignCell(TVXFieldStruct& field, const TCellValue& value) {
+  field.IsNull = true;
+  if (const auto* isTrue = std::get_if<bool>(&value)) field.AssignValue<std::uint8_t>(*isTrue ? 1 : 0);
+  if (const auto* integer = std::get_if<std::int32_t>(&value)) field.AssignValue(*integer);
+  if (const auto* number = std::get_if<double>(&value)) field.AssignValue(*number);
+  if (const auto* moment = std::get_if<TMoment>(&value)) field.AssignValue(moment->days);
+  if (const auto* text = std::get_if<std::string>(&value)) field.AssignText(*text);
 }
 
 TCellValue ReadCell(const TCsvSource& source, const TColumnPlan& plan, const TCsvRecord& record, std::size_t column) {

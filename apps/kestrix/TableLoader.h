@@ -40,6 +40,9 @@ TOwned<TVXRAMTable> LoadTable(TCsvSource& source, const TColumnPlan& plan, const
 /// `source`.
 TCellValue ReadCell(const TCsvSource& source, const TColumnPlan& plan, const TCsvRecord& record, std::size_t column);
 
+/// Puts a value of the field's type into a record that is to be added.
+void AssignCell(TVXFieldStruct& field, const TCellValue& value);
+
 /// Reads values out of rows of a table made here.
 class TRowReader {
  public:

@@ -29,19 +29,30 @@ class TAlignedWriter : public ITableWriter {
 
   void Row(const std::vector<TCellValue>& values) override {
     std::vector<std::string> cells;
-    for (const TCellValue& value : values) cells.push_back(OneLine(CellText(value)));
+    for (std::size_t i = 0; i < values.size(); ++i) cells.push_back(Shown(values[i], columns_[i].decimals));
     Take(std::move(cells));
+  }
+
+  void Totals(const std::vector<TCellValue>& values) override {
+    totals_ = rows_.size();
+    Row(values);
   }
 
   void End() override {
     for (std::size_t row = 0; row < rows_.size(); ++row) {
       CheckInterrupt();
+      if (row == 1 || (row > 0 && row == totals_)) WriteRule();
       WriteLine(rows_[row]);
-      if (row == 0) WriteRule();
     }
+    if (rows_.size() == 1) WriteRule();
   }
 
  private:
+  static std::string Shown(const TCellValue& value, const std::optional<int>& decimals) {
+    const auto* number = std::get_if<double>(&value);
+    return number != nullptr && decimals ? NumberText(*number, *decimals) : OneLine(CellText(value));
+  }
+
   void Take(std::vector<std::string> cells) {
     for (std::size_t i = 0; i < cells.size(); ++i) widths_[i] = std::max(widths_[i], CodePointCount(cells[i]));
     rows_.push_back(std::move(cells));
@@ -69,6 +80,7 @@ class TAlignedWriter : public ITableWriter {
   std::vector<TWrittenColumn> columns_;
   std::vector<std::size_t> widths_;
   std::vector<std::vector<std::string>> rows_;  // the headings first
+  std::size_t totals_ = 0;                      // the row of totals; 0 for none
 };
 
 // -- Separated --------------------------------------------------------------------------------------------------------

@@ -25,15 +25,18 @@ std::optional<TTableFormat> FormatOfName(std::string_view name);
 
 struct TWrittenColumn {
   std::string heading;
-  bool isNumber = false;  ///< to the right in an aligned table
+  bool isNumber = false;             ///< to the right in an aligned table
+  std::optional<int> decimals = {};  ///< of its fractions in an aligned table; else as many as tell them apart
 };
 
-/// Begin once, then each row with a value for each column, then End once.
+/// Begin once, then each row with a value for each column, then perhaps a row of totals, then End once.
 class ITableWriter {
  public:
   virtual ~ITableWriter() = default;
   virtual void Begin(const std::vector<TWrittenColumn>& columns) = 0;
   virtual void Row(const std::vector<TCellValue>& values) = 0;
+  /// An aligned table draws a line above.
+  virtual void Totals(const std::vector<TCellValue>& values) { Row(values); }
   virtual void End() = 0;
 };
 

@@ -21,6 +21,8 @@
 namespace vx::kestrix {
 
 enum class TColumnType { Boolean, Integer, Float, Date, DateTime, Text };
+inline bool IsDateType(TColumnType type) { return type == TColumnType::Date || type == TColumnType::DateTime; }
+inline bool IsNumberType(TColumnType type) { return type == TColumnType::Integer || type == TColumnType::Float; }
 
 /// How "03/04/2015" is read. With a dot (03.04.2015) the day always comes first.
 enum class TDateOrder { DayFirst, MonthFirst };

@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <sstream>
 
 #include "apps/kestrix/RunProgram.h"
+#include "apps/kestrix/SqliteShell.h"
 #include "platform/runtime/DateTime.h"
 
 namespace vx::kestrix {
@@ -154,23 +154,6 @@ TEST(ChartCommand, WritesAPng) {
 // -- SQLite as a second judge -----------------------------------------------------------------------------------------
 
 #if KESTRIX_WITH_SQLITE
-/// What SQLite's shell answers to a query of a file that it has read by itself into "orders": a line each, columns with
-/// a blank between.
-std::vector<std::string> AskShell(const std::string& path, const std::string& sql) {
-  const std::string command =
-      "sqlite3 -separator ' ' -cmd '.import --csv \"" + path + "\" orders' :memory: \"" + sql + "\"";
-  std::FILE* const answer = popen(command.c_str(), "r");
-  if (answer == nullptr) return {};
-  std::string text;
-  char part[4096];
-  while (const std::size_t size = std::fread(part, 1, sizeof part, answer)) text.append(part, size);
-  EXPECT_EQ(pclose(answer), 0) << command;
-  std::vector<std::string> lines;
-  std::istringstream stream(text);
-  for (std::string line; std::getline(stream, line);) lines.push_back(line);
-  return lines;
-}
-
 /// "2015-01-01 Fan Shop 12", sorted.
 std::vector<std::string> Rows(const TFoldedChart& chart) {
   std::vector<std::string> rows;
@@ -189,7 +172,7 @@ constexpr const char* kMonthlySums =
     "from orders where trim([Order Quantity]) not in ('', '-', 'NA') group by 1, 2";
 
 void ExpectSameSums(const std::string& path) {
-  std::vector<std::string> expected = AskShell(path, kMonthlySums);
+  std::vector<std::string> expected = AskShell(path, kMonthlySums, " ");
   std::sort(expected.begin(), expected.end());
   EXPECT_GT(expected.size(), 20u);
   const TPointSet points = Points(test::ReadFile(path), {{3, 4, 5}, 7, 8});

@@ -148,14 +148,14 @@ TEST(TableCommand, TellsWhatItCannotFind) {
 }
 
 TEST(CommandLine, HelpsWithExamples) {
-  for (const char* arguments : {"--help", "table --help", "chart --help"}) {
+  for (const char* arguments : {"--help", "table --help", "bucket --help", "chart --help"}) {
     const TRun run = RunProgram(arguments);
     EXPECT_EQ(run.code, kSuccess);
     EXPECT_NE(run.out.find("Examples:"), std::string::npos) << run.out;
     EXPECT_EQ(run.err, "");
   }
   EXPECT_EQ(RunProgram("--version").out, "kestrix " KESTRIX_VERSION "\n");
-  EXPECT_EQ(RunProgram("").err, "kestrix: a command is missing, table or chart; see kestrix --help\n");
+  EXPECT_EQ(RunProgram("").err, "kestrix: a command is missing: table, bucket or chart; see kestrix --help\n");
   EXPECT_EQ(RunProgram("tabel").err, "kestrix: no command \"tabel\"; did you mean \"table\"?\n");
 }
 
