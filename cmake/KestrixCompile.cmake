@@ -16,6 +16,10 @@ if(KESTRIX_SANITIZE)
   add_link_options(-fsanitize=address,undefined)
 endif()
 
+if(KESTRIX_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)  # all code reports where it went, and libFuzzer steers by that
+endif()
+
 # Compiles `target`, which is our own, with warnings as errors.
 function(kestrix_warnings target)
   target_compile_options(
@@ -27,5 +31,5 @@ function(kestrix_warnings target)
             -Wshadow
             -Werror
             # g++ 12 sees uninitialized values in instrumented code where there are none.
-            $<$<BOOL:${KESTRIX_SANITIZE}>:-Wno-maybe-uninitialized>)
+            $<$<AND:$<BOOL:${KESTRIX_SANITIZE}>,$<CXX_COMPILER_ID:GNU>>:-Wno-maybe-uninitialized>)
 endfunction()
