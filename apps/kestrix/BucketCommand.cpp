@@ -126,15 +126,21 @@ int DecimalsOf(double value) {
 /// Takes the records of a source into a table that is folded.
 class TRecordTaker {
  public:
-  TRecordTaker(const TCsvSource& source, const TColumnPlan& plan, const TQuery& query, TFoldTable& table)
-      : source_(source), plan_(plan), query_(query), table_(table), numberColumns_(NumberColumns(query)) {
+  TRecordTaker(const TCsvSource& source, const TColumnPlan& plan, const TQuery& query, const TPeriod& period,
+               TFoldTable& table)
+      : source_(source),
+        plan_(plan),
+        query_(query),
+        period_(period),
+        table_(table),
+        numberColumns_(NumberColumns(query)) {
     numbers_.resize(plan.columns.size());
   }
 
   void Take(const TCsvRecord& record) {
     for (const TCondition& condition : query_.conditions)
       if (!Matches(condition, ReadCell(source_, plan_, record, condition.column))) return;
-    const auto date = DateOf(source_, plan_, record, query_.date);
+    const auto date = DateOf(source_, plan_, record, query_.date, period_);
     if (!date) {
       ++withoutDate_;
       return;
@@ -203,6 +209,7 @@ class TRecordTaker {
   const TCsvSource& source_;
   const TColumnPlan& plan_;
   const TQuery& query_;
+  const TPeriod period_;
   TFoldTable& table_;
   TGroupNumbers groups_;
   std::vector<std::size_t> numberColumns_;
@@ -360,13 +367,13 @@ void RunBucket(const TBucketOptions& options, const TStreams& streams) {
   wish.sort = SortOf(options.sort, query, plan, fold, headings);
   CheckMemory(source, fold, options.input.limits);
 
+  const TStartOfWeek startOfWeek(options.startOfWeek);
   TFoldTable table(fold);
-  TRecordTaker taker(source, plan, query, table);
+  TRecordTaker taker(source, plan, query, {wish.by, wish.isLabelledAtEnd}, table);
   source.ForEach([&taker](const TCsvRecord& record) { taker.Take(record); });
   inputs.TellSkipped();
   taker.Tell(streams.err);
 
-  const TStartOfWeek startOfWeek(options.startOfWeek);
   const std::vector<TRow> rows = RowsOf(table, wish, options, headings);
   const TRow totals = options.wantsTotals ? TotalsOf(table, query, wish, headings) : TRow();
   const auto writer = MakeTableWriter(options.format, result.Out());

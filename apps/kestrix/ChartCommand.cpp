@@ -119,7 +119,7 @@ void RunChart(const TChartOptions& options, const TStreams& streams) {
       PlanColumns(source, WishesOfFold(options.input.wishes, headings, columns.date, {columns.value}));
   CheckMemory(source, PlanOfPoints(headings[columns.date.front()], plan.records), options.input.limits);
 
-  TPointSet points = ReadPoints(source, plan, columns);
+  TPointSet points = ReadPoints(source, plan, columns, options.by);
   inputs.TellSkipped();
   TellLeftOut(points, streams.err);
   if (points.points.empty())

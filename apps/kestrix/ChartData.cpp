@@ -35,12 +35,12 @@ std::string SeriesOf(std::string_view cell) {
 
 }  // namespace
 
-TPointSet ReadPoints(TCsvSource& source, const TColumnPlan& plan, const TChartColumns& columns) {
+TPointSet ReadPoints(TCsvSource& source, const TColumnPlan& plan, const TChartColumns& columns, TVXGroupMode by) {
   TPointSet set;
   TGroupNumbers names;
   if (!columns.series) names.NumberOf(plan.columns[columns.value].heading);
   source.ForEach([&](const TCsvRecord& record) {
-    const auto date = DateOf(source, plan, record, columns.date);
+    const auto date = DateOf(source, plan, record, columns.date, {by});
     const TCellValue value = ReadCell(source, plan, record, columns.value);
     if (!date || IsNull(value)) {
       ++(date ? set.withoutValue : set.withoutDate);
@@ -97,7 +97,7 @@ TColumnPlan PlanOfPoints(const std::string& date, std::size_t count) {
   return PlanOfFold(date, {FoldColumn("Value", TColumnType::Float)}, count);
 }
 
-TFoldedChart FoldPoints(const TPointSet& set, TVXGroupMode by, TVXBucketType aggregate) try {
+TFoldedChart FoldPoints(const TPointSet& set, TVXGroupMode by, TVXBucketType aggregate) {
   TFoldedChart chart{{}, set.series, {}};
   if (set.points.empty()) return chart;
   chart.periods = PeriodsOf(set, by);
@@ -117,8 +117,6 @@ TFoldedChart FoldPoints(const TPointSet& set, TVXGroupMode by, TVXBucketType agg
     chart.values[series][period] = value;
   }
   return chart;
-} catch (const EConvertError& error) {
-  FailBeyondCalendar(error);
 }
 
 }  // namespace vx::kestrix

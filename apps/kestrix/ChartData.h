@@ -1,7 +1,7 @@
 // ChartData.h: from the records of a source to values by series and period.
 //
-//   TPointSet points = ReadPoints(source, plan, columns);            // one point a record with a date and a value
-//   KeepLargest(points, 12);                                         // the rest becomes "others"
+//   TPointSet points = ReadPoints(source, plan, columns, vxgrOneMonth);  // one point a record with a date and a value
+//   KeepLargest(points, 12);                                             // the rest becomes "others"
 //   const TFoldedChart chart = FoldPoints(points, vxgrOneMonth, vxbtCumulate);
 //
 // Periods without records get their place here; the folding itself is that of Folding.h.
@@ -41,8 +41,8 @@ struct TPointSet {
   std::size_t withoutValue = 0;     ///< records left out that have a date
 };
 
-/// Raises EUserError for a value that is no number and a date that is none.
-TPointSet ReadPoints(TCsvSource& source, const TColumnPlan& plan, const TChartColumns& columns);
+/// Raises EUserError for a value that is no number, a date that is none, and one whose period the calendar lacks.
+TPointSet ReadPoints(TCsvSource& source, const TColumnPlan& plan, const TChartColumns& columns, TVXGroupMode by);
 
 /// Puts the series in order of their size, the sum of all values without their signs, largest first; of more than
 /// `count` all but the largest become one, "others", which is the last.
@@ -57,7 +57,8 @@ struct TFoldedChart {
   std::vector<std::vector<std::optional<double>>> values;  ///< by series, then period
 };
 
-/// Raises EUserError if the dates span more groups than a chart can take, or a value is beyond what an axis can.
+/// `by` as the points were read. Raises EUserError if the dates span more groups than a chart can take, or a value is
+/// beyond what an axis can.
 TFoldedChart FoldPoints(const TPointSet& set, TVXGroupMode by, TVXBucketType aggregate);
 
 }  // namespace vx::kestrix

@@ -76,8 +76,10 @@ std::optional<std::size_t> FindHeading(const std::vector<std::string>& headings,
 
 std::size_t NeedHeading(const std::vector<std::string>& headings, std::string_view name) {
   const auto found = FindHeading(headings, name);
-  if (!found) throw EUserError("no column " + Quoted(Trimmed(name)) + DidYouMean(name, headings));
-  return *found;
+  if (found) return *found;
+  const std::string hint = DidYouMean(name, headings);
+  throw EUserError("no column " + Quoted(Trimmed(name)) +
+                   (hint.empty() ? "; there are " + QuotedList(headings) : hint));
 }
 
 std::vector<std::size_t> NeedHeadings(const std::vector<std::string>& headings, std::string_view names,

@@ -26,7 +26,7 @@ std::vector<std::string> FieldNamesOf(const std::vector<std::string>& headings);
 
 /// Position of the heading that the user means, if there is one.
 std::optional<std::size_t> FindHeading(const std::vector<std::string>& headings, std::string_view name);
-/// The same; raises EUserError with the nearest name if there is none.
+/// The same; raises EUserError with the nearest name if there is none, or with the first few if none is near.
 std::size_t NeedHeading(const std::vector<std::string>& headings, std::string_view name);
 /// "Order Year, Order Month": positions of all headings named, between them one of the separators. A heading that holds
 /// a separator itself is found too. Raises EUserError for an unknown or empty name.

@@ -41,8 +41,9 @@ Examples:
 
 constexpr const char* kBucketHelp =
     R"(A row for each period and group that has records; a period without records has none. Columns stand in the order of
-their options, under headings like "Sum of Profit"; --sort knows these, "Month" (or what --by says), the groups, and
-"Profit" for the first column made of it. Without any of the columns the records are counted.
+their options, each of which may be given several times, under headings like "Sum of Profit"; --sort knows these,
+"Month" (or what --by says), the groups, and "Profit" for the first column made of it. Without any of the columns the
+records are counted.
 
 A period is shown by its first day, with --label end by its last. A century is named by the year that closes it: 1950
 and 2000 belong to 2000-01-01, 2001 to 2100-01-01; its last day is 2000-12-31.
@@ -333,10 +334,22 @@ void CheckCommand(const std::vector<std::string>& arguments) {
   throw EUserError("no command " + Quoted(first) + DidYouMean(first, kCommands));
 }
 
+/// Words left over are options: any other word is a file.
+[[noreturn]] void FailOnUnknown(const CLI::App& command) {
+  std::vector<std::string> known;
+  for (const CLI::Option* const option : command.get_options())
+    if (!option->get_positional()) known.push_back("--" + option->get_single_name());
+  const std::string unknown = command.remaining().front();
+  const std::string hint = DidYouMean(unknown, known);
+  throw EUserError("no option " + Quoted(unknown) +
+                   (hint.empty() ? "; see kestrix " + command.get_name() + " --help" : hint));
+}
+
 int Run(std::vector<std::string> arguments, const TStreams& streams) {
   CLI::App app(kAbout, "kestrix");
   app.set_version_flag("--version", "kestrix " KESTRIX_VERSION);
   app.footer(kExamples);
+  app.require_subcommand(0, 1);  // behind one, such a word is a file
   TRawTable table;
   TRawBucket bucket;
   TRawChart chart;
@@ -350,7 +363,10 @@ int Run(std::vector<std::string> arguments, const TStreams& streams) {
   } catch (const CLI::Success& wish) {
     return app.exit(wish, streams.out, streams.err);  // --help, --version
   } catch (const CLI::ParseError& error) {
-    throw EUserError(OneLine(error.what()) + "; see kestrix --help");
+    const auto commands = app.get_subcommands();
+    if (!commands.empty() && !commands.front()->remaining().empty()) FailOnUnknown(*commands.front());
+    const std::string command = commands.empty() ? "" : " " + commands.front()->get_name();
+    throw EUserError(OneLine(error.what()) + "; see kestrix" + command + " --help");
   }
   if (tableCommand->parsed()) RunTable(TableOf(table), streams);
   if (bucketCommand->parsed()) RunBucket(BucketOf(bucket, *bucketCommand), streams);

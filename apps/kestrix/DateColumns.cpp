@@ -4,6 +4,7 @@
 
 #include "CellValue.h"
 #include "ColumnNames.h"
+#include "Folding.h"
 #include "TableLoader.h"
 #include "UserError.h"
 
@@ -11,7 +12,6 @@ namespace vx::kestrix {
 
 namespace {
 
-constexpr std::size_t kMostNamed = 4;  // columns in a message
 constexpr const char* kHint = "--date COLUMN or --date \"YEAR,MONTH,DAY\"";
 
 /// Year, month and day of a record; null if one of them is.
@@ -32,11 +32,22 @@ std::optional<TDateTime> DateOfParts(const TCsvSource& source, const TColumnPlan
 }
 
 [[noreturn]] void FailForSeveral(const TColumnPlan& plan, const TDateColumns& found) {
-  std::string names;
-  for (std::size_t i = 0; i < std::min(found.size(), kMostNamed); ++i)
-    names += (i > 0 ? ", " : "") + Quoted(plan.columns[found[i]].heading);
-  throw EUserError("--date is missing, and there are several columns of dates: " + names +
-                   (found.size() > kMostNamed ? ", …" : ""));
+  std::vector<std::string> names;
+  for (const std::size_t column : found) names.push_back(plan.columns[column].heading);
+  throw EUserError("--date is missing, and there are several columns of dates: " + QuotedList(names));
+}
+
+/// Whether the calendar has the day that shows the period of a date.
+bool HasPeriod(const TPeriod& period, TDateTime date) try {
+  constexpr TDateTime kSafeFirst = -693'228, kSafeEnd = 2'921'577;  // the years 2 to 9898
+  if (date >= kSafeFirst && date < kSafeEnd) return true;
+  const TDateTime shown =
+      period.isLabelledAtEnd ? GetNextGroupDate(period.by, date) - 1 : GetGroupDate(period.by, date);
+  std::uint16_t year = 0, month = 0, day = 0;
+  DecodeDate(shown, year, month, day);
+  return year > 0;
+} catch (const EConvertError&) {
+  return false;
 }
 
 }  // namespace
@@ -68,10 +79,18 @@ TTypeWishes WishesOfFold(TTypeWishes wishes, const std::vector<std::string>& hea
 }
 
 std::optional<TDateTime> DateOf(const TCsvSource& source, const TColumnPlan& plan, const TCsvRecord& record,
-                                const TDateColumns& columns) {
-  if (columns.size() == 3) return DateOfParts(source, plan, record, columns);
-  const TCellValue date = ReadCell(source, plan, record, columns[0]);
-  return IsNull(date) ? std::nullopt : std::optional(std::get<TMoment>(date).days);
+                                const TDateColumns& columns, const TPeriod& period) {
+  std::optional<TDateTime> date;
+  if (columns.size() == 3) {
+    date = DateOfParts(source, plan, record, columns);
+  } else if (const TCellValue cell = ReadCell(source, plan, record, columns[0]); !IsNull(cell)) {
+    date = std::get<TMoment>(cell).days;
+  }
+  if (date && !HasPeriod(period, *date))
+    source.Fail(record, columns[0],
+                "the " + NameOfGroupMode(period.by) + " of " + CellText(TMoment{*date, false}) +
+                    " needs a day beyond the calendar, the years 1 to 9999");
+  return date;
 }
 
 }  // namespace vx::kestrix

@@ -2,7 +2,7 @@
 //
 //   const TDateColumns date = NeedDateColumns(headings, "Order Year,Order Month,Order Day");
 //   const TColumnPlan plan = PlanColumns(source, WishesOfFold(wishes, headings, date, {profit}));
-//   source.ForEach([&](const TCsvRecord& record) { … DateOf(source, plan, record, date) … });
+//   source.ForEach([&](const TCsvRecord& record) { … DateOf(source, plan, record, date, {vxgrOneMonth}) … });
 #pragma once
 
 #include <cstddef>
@@ -13,6 +13,7 @@
 
 #include "ColumnPlan.h"
 #include "CsvSource.h"
+#include "datetime/VXDateGroup_UNT.h"
 #include "platform/runtime/DateTime.h"
 
 namespace vx::kestrix {
@@ -29,9 +30,16 @@ TDateColumns OnlyDateColumn(const TColumnPlan& plan);
 TTypeWishes WishesOfFold(TTypeWishes wishes, const std::vector<std::string>& headings, const TDateColumns& date,
                          const std::vector<std::size_t>& numbers);
 
+/// What a date is folded into, and which of its days is shown. The weeks are those of GVXStartOfWeek.
+struct TPeriod {
+  TVXGroupMode by = vxgrOneDay;
+  bool isLabelledAtEnd = false;
+};
+
 /// The date of a record, with its time of day if there is one; none if the cell, or one of the three, is null. Raises
-/// EUserError for a cell that isn't a date, and for a day that the calendar doesn't have.
+/// EUserError for a cell that isn't a date, for a day that the calendar doesn't have, and for one whose period is shown
+/// by such a day.
 std::optional<TDateTime> DateOf(const TCsvSource& source, const TColumnPlan& plan, const TCsvRecord& record,
-                                const TDateColumns& columns);
+                                const TDateColumns& columns, const TPeriod& period);
 
 }  // namespace vx::kestrix

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "ColumnNames.h"
-#include "UserError.h"
+#include "Interrupt.h"
 
 namespace vx::kestrix {
 
@@ -74,7 +74,7 @@ void TFoldTable::Add(TDateTime date, std::int32_t group, const std::vector<TCell
 
 // -- Buckets out ------------------------------------------------------------------------------------------------------
 
-TBuckets::TBuckets(TFoldTable& table, const TFoldWish& wish) try
+TBuckets::TBuckets(TFoldTable& table, const TFoldWish& wish)
     : table_(table.Table()), reader_(table.Table(), table.Plan()) {
   const std::string& date = table.Plan().columns[kFoldDate].field;
   const std::string& group = table.Plan().columns[kFoldGroup].field;
@@ -85,17 +85,16 @@ TBuckets::TBuckets(TFoldTable& table, const TFoldWish& wish) try
                                              wish.by, wish.isByGroup ? Both(date, group) : date, !wish.isLabelledAtEnd);
   table_.OpenCursor(TClassOf<TVXRAMCursor>::Of<TVXRAMCursorBucketer>(), desc.get(), cursor_);
   cursor_->GoToFirstRec();
-} catch (const EConvertError& error) {
-  FailBeyondCalendar(error);
+}
+
+bool TBuckets::Next() {
+  CheckInterrupt();
+  return cursor_->GoToNextRec() == kDone;
 }
 
 std::int32_t TBuckets::RecordCount() const {
   const auto& bucketer = *Cast<TVXRAMCursorBucketer>(cursor_);
   return bucketer.FindBucketInfoByBucketRecord(cursor_->Get_CurrentRecord())->Get_RecordCount();
-}
-
-void FailBeyondCalendar(const EConvertError& error) {
-  throw EUserError("a date lies in a period beyond the calendar: " + error.Message());
 }
 
 }  // namespace vx::kestrix

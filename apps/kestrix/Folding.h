@@ -94,13 +94,14 @@ struct TFoldWish {
 /// An open bucketer, closed at the end of the scope. It stands before the first bucket.
 class TBuckets {
  public:
-  /// Raises EUserError if a date lies in a period that the calendar doesn't have whole.
+  /// The dates are such that DateOf answers for this period.
   TBuckets(TFoldTable& table, const TFoldWish& wish);
   ~TBuckets() { table_.CloseCursor(cursor_); }
   TBuckets(const TBuckets&) = delete;
   TBuckets& operator=(const TBuckets&) = delete;
 
-  bool Next() { return cursor_->GoToNextRec() == kDone; }
+  /// Raises EInterrupted.
+  bool Next();
   /// Null where all records of the bucket are.
   TCellValue Value(std::size_t column) const { return reader_.Value(cursor_->Get_CurrentRecord(), column); }
   std::int32_t RecordCount() const;
@@ -110,8 +111,5 @@ class TBuckets {
   TRowReader reader_;
   TVXRAMCursor* cursor_ = nullptr;
 };
-
-/// Tells the user of a date whose period begins or ends beyond the calendar.
-[[noreturn]] void FailBeyondCalendar(const EConvertError& error);
 
 }  // namespace vx::kestrix

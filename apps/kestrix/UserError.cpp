@@ -7,6 +7,7 @@ namespace vx::kestrix {
 namespace {
 
 constexpr std::size_t kLongestQuoted = 60;  // code points
+constexpr std::size_t kMostListed = 8;
 constexpr char32_t kControlPictures = 0x2400;
 constexpr char32_t kDeletePicture = 0x2421;
 
@@ -44,6 +45,15 @@ std::string Quoted(std::string_view text) {
     AppendCodePoint(shown, Shown(NextCodePoint(text, at)));
   }
   return shown + "\"";
+}
+
+std::string QuotedList(const std::vector<std::string>& names) {
+  std::string list;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    if (i == kMostListed) return list + ", …";
+    list += (i > 0 ? ", " : "") + Quoted(names[i]);
+  }
+  return list;
 }
 
 }  // namespace vx::kestrix

@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/runtime/Exceptions.h"
 
@@ -45,6 +46,9 @@ class EInterrupted : public TNamedException<EInterrupted> {
 
 /// `text` in double quotes, on one line: control characters become pictures of them, a long text ends in an ellipsis.
 std::string Quoted(std::string_view text);
+
+/// "a", "b", "c": the first few of several names, then an ellipsis.
+std::string QuotedList(const std::vector<std::string>& names);
 
 /// `text` with each control character as its picture ("\n" is shown as ␊).
 std::string OneLine(std::string_view text);

@@ -148,7 +148,8 @@ std::int32_t GetDayOfWeek(TDateTime date);
 TDateTime GetFirstDayOfWeek(TDateTime date);
 /// Number of the week. `year` is set to the year that the week counts in: the one before for the first days of some
 /// Januaries, the one after for the last days of some Decembers. Raises EConvertError if January has no
-/// GVXFirstWeekTriggerDay, or the date isn't in the calendar.
+/// GVXFirstWeekTriggerDay, or the date isn't in the calendar. Kept: which years have 53 weeks is settled as for ISO
+/// 8601 with any settings; with others than its own, some weeks change their number at the turn of the year.
 std::uint8_t DateToWeekNumber(TDateTime date, std::uint16_t& year);
 
 // -- Start and end ----------------------------------------------------------------------------------------------------

@@ -8,6 +8,9 @@
 // Who sorts brings the items, as a small value with Get and Swap by index. Items that a stranger's compare orders must
 // check the index, since answers that contradict each other lead beyond either end.
 //
+// Cost: O(n log n). An input whose middle is its greatest, again in each part, makes it quadratic, never deeper: one
+// made for that, or values that rise to the middle and then fall.
+//
 //   QuickSort(TPlainItems<double>{values.data()}, 3, [](double a, double b) { return a < b ? -1 : a > b; });
 #pragma once
 

@@ -12,8 +12,8 @@
 //
 // Placeholders ("%0:s") belong to the text; a translation keeps them, in an order of its own. A line break is one '\n'.
 //
-// Ownership: texts are copied. Errors: none but running out of memory, which leaves all texts of this table as they
-// were, or all replaced with a unit's table behind. Main thread only.
+// Ownership: texts are copied. Errors: only running out of memory; then no text is replaced, or all are while some
+// unit's table still has the old ones. Main thread only.
 #pragma once
 
 #include <cstdint>

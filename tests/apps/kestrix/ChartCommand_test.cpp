@@ -34,7 +34,7 @@ TPointSet Points(const std::string& csv, const TChartColumns& columns) {
   wishes.types = {{source.Headings()[columns.value], TColumnType::Float}};
   const TColumnType dateType = columns.date.size() == 3 ? TColumnType::Integer : TColumnType::DateTime;
   for (const std::size_t date : columns.date) wishes.types.emplace_back(source.Headings()[date], dateType);
-  return ReadPoints(source, PlanColumns(source, wishes), columns);
+  return ReadPoints(source, PlanColumns(source, wishes), columns, vxgrOneDay);
 }
 
 constexpr const char* kSales =
@@ -95,7 +95,7 @@ TEST(ChartCommand, TellsWhatItLeavesOutAndWhatIsWrong) {
       {one, "d,v\n-,1\n", "standard input: nothing to draw: no record has a date and a value"},
       {"--date d,v --value v", "d,v\n1,1\n",
        "--date \"d,v\" should be one column, or a year, a month and a day column"},
-      {"--date d --value w", "d,v\n1,1\n", "no column \"w\""},
+      {"--date d --value w", "d,v\n1,1\n", "no column \"w\"; there are \"d\", \"v\""},
       {one + " --by day", "d,v\n0001-01-01,1\n9999-12-31,1\n",
        "the dates reach from 0001-01-01 to 9999-12-31, more than 50000 periods; choose a coarser --by"},
       {"--date d --value d", "d,v\n20150101,1\n", "--date and --value are the same column, \"d\""},

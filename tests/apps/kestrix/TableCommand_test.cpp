@@ -124,6 +124,8 @@ Name       string        0  a                    d                           5
 }
 
 TEST(TableCommand, TellsWhatItCannotFind) {
+  constexpr const char* kNoColumn =
+      "no column \"\"; there are \"No.\", \"Item;Kind\", \"Qty<=5\", \"Price\", \"Due\", \"Done\", \"Name\"";
   constexpr TQueryCase kCases[] = {
       {"--where Nmae=a", "no column \"Nmae\"; did you mean \"Name\"?"},
       {"--where Name", "--where \"Name\" should be COLUMN=VALUE, with one of = != < <= > >=, or COLUMN is null"},
@@ -132,11 +134,11 @@ TEST(TableCommand, TellsWhatItCannotFind) {
        "--where \"Due>2015-02-30\": column \"Due\" is of type datetime, and \"2015-02-30\" is not"},
       {"--sort Price;Nam.D", "no column \"Nam\"; did you mean \"Name\"?"},
       {"--sort Name.d;No.", "--sort \"Name.d\": behind the point stands A for ascending or D for descending"},
-      {"--sort ;Name", "no column \"\""},
+      {"--sort ;Name", kNoColumn},
       {"--index Prices", "no column \"Prices\"; did you mean \"Price\"?"},
-      {"--columns Name,Weather", "no column \"Weather\""},
-      {"--limit -1", "--limit: Value -1 not in range 0 to 2147483647; see kestrix --help"},
-      {"--format xml", "--format: xml not in {table,csv,tsv,json}; see kestrix --help"},
+      {"--columns Name,", kNoColumn},
+      {"--limit -1", "--limit: Value -1 not in range 0 to 2147483647; see kestrix table --help"},
+      {"--format xml", "--format: xml not in {table,csv,tsv,json}; see kestrix table --help"},
   };
   for (const auto& [options, message] : kCases) {
     SCOPED_TRACE(options);
@@ -156,6 +158,7 @@ TEST(CommandLine, HelpsWithExamples) {
   }
   EXPECT_EQ(RunProgram("--version").out, "kestrix " KESTRIX_VERSION "\n");
   EXPECT_EQ(RunProgram("").err, "kestrix: a command is missing: table, bucket or chart; see kestrix --help\n");
+  EXPECT_EQ(RunProgram("bucket chart").err, "kestrix: chart: cannot be read: No such file or directory\n");
   EXPECT_EQ(RunProgram("tabel").err, "kestrix: no command \"tabel\"; did you mean \"table\"?\n");
 }
 
