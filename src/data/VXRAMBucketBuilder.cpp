@@ -21,9 +21,6 @@ class TVXRAMBucketBuilder::TRowKeys {
       : list_(list), cursor_(Need(list.Get_Cursor(), "cursor of the buckets")), dates_(kDates), entries_(kFirstSize) {
     for (std::int32_t i = 0; i < cursor_.Get_BucketedFieldCount(); ++i)
       if (const TVXRAMFieldDef* const field = cursor_.Get_BucketedRAMFieldDef(i)) slots_.push_back(field->Get_Slot());
-    for (const TVXRAMFieldSlot& slot : slots_)
-      stride_ += 1 + (slot.type == vxrftString ? WordsOf(static_cast<std::size_t>(std::max(slot.size, 0))) : 0);
-    words_.resize(stride_ * kBlock);
   }
 
   /// Rows that are looked up together, so that one needn't wait for the other's memory.
@@ -52,21 +49,20 @@ class TVXRAMBucketBuilder::TRowKeys {
     std::uint64_t hash = 0;
     std::size_t at = 0;  // in known_
   };
-  /// The words of a row.
+  /// Where the words of a row are in words_.
   struct TKey {
-    const std::uint64_t* begin;
-    const std::uint64_t* end;
+    std::size_t begin, end;
     std::uint64_t hash;
   };
 
   std::size_t TakeWords(void* const* rows, std::size_t count, std::exception_ptr& failure) {
     std::size_t i = 0;
+    end_ = 0;
     try {
       for (; i < count; ++i) {
-        std::uint64_t* const begin = words_.data() + i * stride_;
-        end_ = begin;
+        const std::size_t begin = end_;
         for (const TVXRAMFieldSlot& slot : slots_) AddWords(static_cast<const TVXRAMRow*>(rows[i]), slot);
-        keys_[i] = {begin, end_, Hash(begin, end_)};
+        keys_[i] = {begin, end_, Hash(words_.data() + begin, words_.data() + end_)};
       }
     } catch (...) {
       failure = std::current_exception();
@@ -86,19 +82,28 @@ class TVXRAMBucketBuilder::TRowKeys {
     if (slot.type == vxrftString)
       AddText(RowText(row, slot));
     else if (slot.type == vxrftDateTime)
-      *end_++ = std::bit_cast<std::uint64_t>(BucketDate(RowValue<TDateTime>(row, slot)));
+      *Room(1) = std::bit_cast<std::uint64_t>(BucketDate(RowValue<TDateTime>(row, slot)));
     else
-      *end_++ = NumberWord(row, slot);
+      *Room(1) = NumberWord(row, slot);
   }
 
+  /// Where `count` more words of the row go.
+  std::uint64_t* Room(std::size_t count) {
+    if (words_.size() - end_ < count) words_.resize(std::max(words_.size() * 2, end_ + count));
+    return words_.data() + std::exchange(end_, end_ + count);
+  }
+
+  /// What the text of the key is made from: a field from a stream may be larger than its type.
   static std::uint64_t NumberWord(const TVXRAMRow* row, const TVXRAMFieldSlot& slot) {
-    switch (slot.size) {
-      case 1:
+    switch (slot.type) {
+      case vxrftBoolean:
         return RowValue<std::uint8_t>(row, slot);
-      case 2:
-        return RowValue<std::uint16_t>(row, slot);
-      case 4:
+      case vxrftDuration:
+      case vxrftInteger:
         return RowValue<std::uint32_t>(row, slot);
+      case vxrftSmallint:
+      case vxrftWord:
+        return RowValue<std::uint16_t>(row, slot);
       default:
         return RowValue<std::uint64_t>(row, slot);
     }
@@ -106,11 +111,11 @@ class TVXRAMBucketBuilder::TRowKeys {
 
   /// Its length and its bytes.
   void AddText(std::string_view text) {
-    *end_++ = text.size();
-    for (std::size_t i = 0; i < text.size(); i += sizeof *end_) {
-      *end_ = 0;
-      std::memcpy(end_++, text.data() + i, std::min(sizeof *end_, text.size() - i));
-    }
+    std::uint64_t* const words = Room(1 + WordsOf(text.size()));
+    words[0] = text.size();
+    if (text.empty()) return;
+    words[WordsOf(text.size())] = 0;
+    std::memcpy(words + 1, text.data(), text.size());
   }
 
   /// All times of a day share their bucket, but for the last milliseconds, which may round up into the next day.
@@ -143,10 +148,8 @@ class TVXRAMBucketBuilder::TRowKeys {
   }
 
   bool IsOf(const TEntry& entry, const TKey& key) const {
-    const std::uint64_t* known = known_.data() + entry.at;
-    for (const std::uint64_t* word = key.begin; word != key.end; ++word)
-      if (*known++ != *word) return false;
-    return true;
+    const std::uint64_t* const known = known_.data() + entry.at;
+    return std::equal(words_.data() + key.begin, words_.data() + key.end, known);
   }
 
   TVXRAMBucketInfo& AddCombination(const TVXRAMRow* row, const TKey& key, TEntry& free) {
@@ -154,7 +157,7 @@ class TVXRAMBucketBuilder::TRowKeys {
     cursor_.CalcBucketedFieldValue(row, text);
     TVXRAMBucketInfo* const bucket = list_.Add(text);
     free = {bucket, key.hash, known_.size()};
-    known_.insert(known_.end(), key.begin, key.end);
+    known_.insert(known_.end(), words_.data() + key.begin, words_.data() + key.end);
     if (++count_ * kRoom > entries_.size()) Grow();
     return *bucket;
   }
@@ -173,9 +176,8 @@ class TVXRAMBucketBuilder::TRowKeys {
   const TVXRAMCursorBucketer& cursor_;
   std::vector<TVXRAMFieldSlot> slots_;
   std::vector<TKnownDate> dates_;
-  std::size_t stride_ = 0;            // words that a row takes at most
   std::vector<std::uint64_t> words_;  // of the rows in hand
-  std::uint64_t* end_ = nullptr;      // where the next word goes
+  std::size_t end_ = 0;               // where the next word goes
   std::array<TKey, kBlock> keys_;     // of the rows in hand
   std::vector<std::uint64_t> known_;  // of all known combinations, one behind the other
   std::vector<TEntry> entries_;

@@ -3,6 +3,7 @@
 #include "data/VXRAMBucketBuilder.h"
 #include "data/VXRAMBucketFold.h"
 #include "data/VXRAMCursorBucketer_CMP.h"
+#include "data/VXRAMRowSearch.h"
 
 namespace vx {
 
@@ -62,13 +63,16 @@ TVXRAMBucketInfo* TVXRAMBucketList::Add(const std::string& key) {
 
 TVXRAMBucketInfo* TVXRAMBucketList::MakeBucket(TBucketsByKey::iterator at) try {
   TVXRAMRow* const bucketRecord = Need(cursor_, "cursor of the buckets").MakeBucketRecord();
+  ++strays_;
   auto* const bucket = static_cast<TVXRAMBucketInfo*>(TCollection::Add());
   bucket->key_ = at->first;
   bucket->bucketRecord_ = bucketRecord;
   bucketRecords_->Add(bucketRecord);
   byBucketRecord_.emplace(bucketRecord, bucket);
+  --strays_;
   return at->second = bucket;
 } catch (...) {
+  strays_ = Count() - static_cast<std::int32_t>(byBucketRecord_.size());
   byKey_.erase(at);
   throw;
 }
@@ -78,19 +82,22 @@ void TVXRAMBucketList::BucketFreed(TVXRAMBucketInfo& bucket) {
   if (at == byKey_.end() || at->second != &bucket) return;  // never whole, or dropped with all others
   byKey_.erase(at);
   byBucketRecord_.erase(bucket.bucketRecord_);
-  bucketRecords_->Remove(bucket.bucketRecord_);
+  const std::int32_t shown = FindRow(*bucketRecords_, bucket.bucketRecord_, 0);
+  if (shown >= 0) bucketRecords_->Delete(shown);
+  cursor_->FilteredList().Remove(bucket.bucketRecord_);
+  if (!IsMapped(bucket)) ForgetRecords();
   if (recordsAreMapped_ && !recordsRepeat_)
     for (std::int32_t i = 0; i < bucket.Get_RecordCount(); ++i)
       byRecord_.erase(static_cast<TVXRAMRow*>(bucket.records_->Items(i)));
+  bucket.records_->Clear();  // releasing a row asks which bucket names it, and this one stands in the list still
   cursor_->Table().ReleaseRow(std::exchange(bucket.bucketRecord_, nullptr));
 }
 
 void TVXRAMBucketList::FreeBuckets() {
+  const TTableOperation running(cursor_->Table());
   byKey_.clear();
   byBucketRecord_.clear();
-  byRecord_.clear();
-  recordsAreMapped_ = false;
-  recordsRepeat_ = false;
+  ForgetRecords();
   bucketRecords_->Clear();
   for (std::int32_t i = 0; i < Count(); ++i) cursor_->Table().ReleaseRow(Get_Bucket(i)->bucketRecord_);
   Clear();
@@ -104,25 +111,41 @@ void TVXRAMBucketList::ItemsMoved() {
     last->bucketRecord_ = nullptr;
     last->records_->Clear();
   }
-  if (byBucketRecord_.size() <= static_cast<std::size_t>(Count())) return;
+  if (static_cast<std::int32_t>(byBucketRecord_.size()) + strays_ == Count()) return;
   std::erase_if(byBucketRecord_, [this](const auto& entry) { return entry.second->Collection() != this; });
   std::erase_if(byKey_, [this](const auto& entry) { return entry.second->Collection() != this; });
   for (std::int32_t i = bucketRecords_->Count() - 1; i >= 0; --i)
     if (!byBucketRecord_.contains(static_cast<TVXRAMRow*>(bucketRecords_->Items(i)))) bucketRecords_->Delete(i);
-  byRecord_.clear();
-  recordsAreMapped_ = false;
+  strays_ = Count() - static_cast<std::int32_t>(byBucketRecord_.size());
+  ForgetRecords();
 }
 
 // -- Source rows ------------------------------------------------------------------------------------------------------
 
+/// Whether the map knows the bucket's rows: not those of a list that was changed by hand.
+bool TVXRAMBucketList::IsMapped(const TVXRAMBucketInfo& bucket) const {
+  return recordsAreMapped_ && bucket.mapped_ == bucket.records_->Changes();
+}
+
+void TVXRAMBucketList::ForgetRecords() {
+  if (!recordsAreMapped_) return;
+  byRecord_.clear();
+  recordsAreMapped_ = false;
+  recordsRepeat_ = false;
+}
+
 TVXRAMBucketInfo& TVXRAMBucketList::TakeRow(TVXRAMBucketInfo& bucket, TVXRAMRow* row) {
+  if (!IsMapped(bucket)) ForgetRecords();
   bucket.records_->Add(row);
+  bucket.mapped_ = bucket.records_->Changes();
   if (recordsAreMapped_ && !byRecord_.emplace(row, &bucket).second) recordsRepeat_ = true;
   return bucket;
 }
 
 void TVXRAMBucketList::DropRow(TVXRAMBucketInfo& bucket, TVXRAMRow* row) {
+  if (!IsMapped(bucket)) ForgetRecords();
   bucket.records_->Remove(row);
+  bucket.mapped_ = bucket.records_->Changes();
   if (recordsAreMapped_ && !recordsRepeat_) byRecord_.erase(row);
 }
 
@@ -133,17 +156,24 @@ TVXRAMBucketInfo* TVXRAMBucketList::WalkForRecord(const TVXRAMRow* row) const {
 }
 
 TVXRAMBucketInfo* TVXRAMBucketList::FindByRecord(const TVXRAMRow* row) {
-  if (!recordsAreMapped_) {
-    recordsRepeat_ = false;
-    for (std::int32_t i = 0; i < Count(); ++i)
-      for (std::int32_t j = 0; j < Get_Bucket(i)->Get_RecordCount(); ++j)
-        if (!byRecord_.emplace(static_cast<TVXRAMRow*>(Get_Bucket(i)->records_->Items(j)), Get_Bucket(i)).second)
-          recordsRepeat_ = true;
-    recordsAreMapped_ = true;
-  }
+  if (!recordsAreMapped_) MapRecords();
   if (recordsRepeat_) return WalkForRecord(row);
   const auto at = byRecord_.find(row);
-  return at == byRecord_.end() ? nullptr : at->second;
+  if (at == byRecord_.end()) return nullptr;
+  if (IsMapped(*at->second)) return at->second;
+  ForgetRecords();
+  return FindByRecord(row);
+}
+
+void TVXRAMBucketList::MapRecords() {
+  byRecord_.clear();
+  for (std::int32_t i = 0; i < Count(); ++i) {
+    TVXRAMBucketInfo& bucket = *Get_Bucket(i);
+    bucket.mapped_ = bucket.records_->Changes();
+    for (std::int32_t j = 0; j < bucket.Get_RecordCount(); ++j)
+      if (!byRecord_.emplace(static_cast<TVXRAMRow*>(bucket.records_->Items(j)), &bucket).second) recordsRepeat_ = true;
+  }
+  recordsAreMapped_ = true;
 }
 
 void TVXRAMBucketList::InsertRecord(TVXRAMRow* row, bool update) { Insert(row, update); }
@@ -217,12 +247,19 @@ void TVXRAMBucketList::UpdateAllBuckets() {
 }
 
 void TVXRAMBucketList::Build(const TVXList& rows, bool compute) {
+  if (Count() > 0 || &rows == bucketRecords_.get()) return BuildPlainly(rows, compute);
   if (!compute) return TVXRAMBucketBuilder(*this, rows, nullptr).Run();
   const TVXRAMBucketFold& fold = Fold();
   const bool streams = fold.CanStream();
   TVXRAMBucketBuilder(*this, rows, streams ? &fold : nullptr).Run();
   if (!streams) return UpdateAllBuckets();
   for (std::int32_t i = 0; i < Count(); ++i) MarkComputed(*Get_Bucket(i));
+}
+
+void TVXRAMBucketList::BuildPlainly(const TVXList& rows, bool compute) {
+  const std::int32_t count = rows.Count();  // it may be the list of one of the buckets, which grows
+  for (std::int32_t i = 0; i < count; ++i) InsertRecord(static_cast<TVXRAMRow*>(rows.Items(i)), false);
+  if (compute) UpdateAllBuckets();
 }
 
 }  // namespace vx

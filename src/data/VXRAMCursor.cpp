@@ -357,9 +357,10 @@ void TVXRAMCursor::FilterChange(TObject*) {
 }
 
 /// How many rows of `source` needn't be looked at again: those that the filtered list was made from, if since then rows
-/// were appended at most. A callback is asked for each row each time.
+/// were appended at most. A callback is asked for each row each time, and a row that is leaving goes at once.
 std::int32_t TVXRAMCursor::AlreadyFiltered(const TVXList& source) const {
-  const bool holds = !onFilterRecord_ && &source == SharedList() && filtered_.source == source.Rewrites() &&
+  const bool holds = !onFilterRecord_ && table_->leavingRows_.empty() && &source == SharedList() &&
+                     &source == filtered_.list && filtered_.source == source.Rewrites() &&
                      filtered_.result == filteredList_->Changes() && filtered_.filter == filter_->changes_ &&
                      filtered_.stamp == table_->Get_ChangeStamp();
   return holds ? filtered_.count : 0;
@@ -375,16 +376,18 @@ void TVXRAMCursor::RebuildFilteredList(const TVXList& source) {
   knownSort_.Forget();
   // Kept: a value of Null restricts nothing, although the cursor counts as filtered.
   const TVXRAMFieldDef* const field = filter_->Get_Value().IsNull() ? nullptr : filter_->Get_Field();
-  const TVXRAMFilterMatch match(field == nullptr ? TVXRAMFieldSlot() : field->Get_Slot(), filter_->Get_Value());
+  const TVXRAMFieldSlot slot = field == nullptr ? TVXRAMFieldSlot() : field->Get_Slot();
+  const TVXRAMFilterMatch match(slot, filter_->Get_Value());
   for (std::int32_t i = done; i < source.Count(); ++i) {
+    if (i + kRowsAhead < source.Count()) PrefetchRow(static_cast<TVXRAMRow*>(source.Items(i + kRowsAhead)), slot);
     auto* const row = static_cast<TVXRAMRow*>(source.Items(i));
     if (field != nullptr && !match(row)) continue;
     const bool passes = !onFilterRecord_ || onFilterRecord_(row, i);
-    if (passes && !TVXRAMRowPool::IsGivenUp(row)) filteredList_->Add(row);
+    if (passes && !TVXRAMRowPool::IsGivenUp(row) && !table_->IsLeaving(row)) filteredList_->Add(row);
   }
-  if (&source == SharedList() && !onFilterRecord_)
-    filtered_ = {source.Rewrites(), filteredList_->Changes(), filter_->changes_, table_->Get_ChangeStamp(),
-                 source.Count()};
+  if (&source == SharedList() && !onFilterRecord_ && table_->leavingRows_.empty())
+    filtered_ = {&source,           source.Rewrites(),         filteredList_->Changes(),
+                 filter_->changes_, table_->Get_ChangeStamp(), source.Count()};
   GoToFirstRec();
 }
 

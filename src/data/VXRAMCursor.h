@@ -275,9 +275,10 @@ class TVXRAMCursor : public TPersistent {
   TVXRAMKnownSort knownSort_;
   TOwned<TVXRAMFilter> filter_;
   TOwned<TVXList> filteredList_;
-  /// What the filtered list was made from: the rewrites of its source, the changes of itself, of filter and table, and
-  /// how many rows were looked at.
+  /// What the filtered list was made from: its source and the rewrites of that, the changes of itself, of filter and
+  /// table, and how many rows were looked at.
   struct {
+    const TVXList* list = nullptr;
     std::uint64_t source = 0, result = 0, filter = 0, stamp = 0;
     std::int32_t count = 0;
   } filtered_;

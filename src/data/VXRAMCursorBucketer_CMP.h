@@ -150,6 +150,7 @@ class TVXRAMBucketInfo : public TCollectionItem {
 
   std::string key_;
   TVXRAMBucketState state_;
+  std::uint64_t mapped_ = 0;  // changes of the source rows, as far as the list's map of rows knows them
   TVXRAMRow* bucketRecord_ = nullptr;
   TOwned<TVXList> records_;
 };
@@ -170,8 +171,8 @@ class TVXRAMBucketList : public TCollection {
   void InsertRecord(TVXRAMRow* row, bool update);
   /// Takes a source row from its bucket, which is computed anew.
   void DeleteRecord(TVXRAMRow* row);
-  /// Fills an empty list: InsertRecord for every row, without computing the buckets, and, if `compute` is set,
-  /// UpdateAllBuckets; in one walk over the rows.
+  /// InsertRecord for every row, without computing the buckets, and, if `compute` is set, UpdateAllBuckets; for an
+  /// empty list in one walk over the rows.
   void Build(const TVXList& rows, bool compute);
   void UpdateAllBuckets();
   /// Frees every bucket with its row.
@@ -194,6 +195,10 @@ class TVXRAMBucketList : public TCollection {
   TVXRAMBucketInfo* MakeBucket(TBucketsByKey::iterator at);
   void BucketFreed(TVXRAMBucketInfo& bucket);
   TVXRAMBucketInfo& Insert(TVXRAMRow* row, bool update);
+  void BuildPlainly(const TVXList& rows, bool compute);
+  bool IsMapped(const TVXRAMBucketInfo& bucket) const;
+  void MapRecords();
+  void ForgetRecords();
   TVXRAMBucketInfo& TakeRow(TVXRAMBucketInfo& bucket, TVXRAMRow* row);
   void DropRow(TVXRAMBucketInfo& bucket, TVXRAMRow* row);
   TVXRAMBucketInfo* FindByRecord(const TVXRAMRow* row);
@@ -214,6 +219,7 @@ class TVXRAMBucketList : public TCollection {
   std::unordered_map<const TVXRAMRow*, TVXRAMBucketInfo*> byRecord_;  // made when it is first asked for
   bool recordsAreMapped_ = false;
   bool recordsRepeat_ = false;  // a row was inserted twice: only a walk tells the first bucket
+  std::int32_t strays_ = 0;     // items that byBucketRecord_ doesn't know: made by hand, moved here, not yet whole
 };
 
 /// What the opener of a bucketer wishes, beyond what he wishes of any cursor.

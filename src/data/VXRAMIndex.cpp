@@ -1,5 +1,7 @@
 #include "data/VXRAMIndex.h"
 
+#include <algorithm>
+
 #include "data/VXRAMRowSearch.h"
 #include "data/VXRAMSort.h"
 #include "data/VXRAMTable_CMP.h"
@@ -8,6 +10,8 @@
 namespace vx {
 
 namespace {
+
+constexpr std::int32_t kFewEquals = 64;
 
 /// Changes of definitions are refused while the base index of the table holds rows; without a table there is none.
 void GuardIndexDefs(const TVXRAMTable* table) {
@@ -58,10 +62,12 @@ std::int32_t TVXRAMIndex::Find(const TVXRAMRow* row) const {
 std::int32_t TVXRAMIndex::SearchKeyOf(const TVXRAMRow* row) const {
   if (!IsSorted()) return -1;
   const auto order = [&](const TVXRAMRow* other) { return CompareRows(other, row, order_.slot); };
-  std::int32_t at = SearchRow(*list_, [&](const TVXRAMRow* other) { return order(other) < 0; });
-  for (; at < Get_RecCount() && order(Get_Record(at)) == 0; ++at)
+  const std::int32_t first = SearchRow(*list_, [&](const TVXRAMRow* other) { return order(other) < 0; });
+  const std::int32_t end = SearchRow(*list_, [&](const TVXRAMRow* other) { return order(other) <= 0; });
+  for (std::int32_t at = first; at < std::min(end, first + kFewEquals); ++at)
     if (Get_Record(at) == row) return at;
-  return -1;
+  // Many equal ones are walked as pointers, without a look at the rows.
+  return end - first > kFewEquals ? list_->IndexOf(row, first) : -1;
 }
 
 // -- Rebuilding -------------------------------------------------------------------------------------------------------

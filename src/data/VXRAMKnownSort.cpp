@@ -16,12 +16,13 @@ void TVXRAMKnownSort::Sort(TVXList& rows, const std::vector<TSortColumn>& column
   if (!known || !Replace(rows, touched)) {
     SortRows(rows.Data(), rows.Count(), columns);
     // Rows of which two were equal before another one came still are not all different.
-    differ_ = known && rows.Count() > count_ ? differ_ : std::nullopt;
+    if (!known || rows.Count() == count_ || differ_ == true) differ_.reset();
   }
   list_ = &rows;
   columns_ = columns;
   stamp_ = stamp;
   changes_ = rows.Changes();
+  rewrites_ = rows.Rewrites();
   count_ = rows.Count();
 }
 
@@ -81,7 +82,9 @@ std::int32_t TVXRAMKnownSort::PlaceOf(const TVXList& rows, const TVXRAMRow* row,
 /// False if the whole list must be sorted.
 bool TVXRAMKnownSort::Replace(TVXList& rows, const TVXRAMRow* row) {
   if (row == nullptr || rows.Count() == 0) return false;
-  if (!differ_) differ_ = Differ(rows, row);
+  // A row that came elsewhere than at the end may be another one than we are told of.
+  const bool strange = rows.Count() > count_ && (rows.Last() != row || rows.Rewrites() != rewrites_);
+  if (!differ_ || (strange && differ_ == true)) differ_ = Differ(rows, row);
   if (differ_ == false) return false;
   const std::int32_t at = Find(rows, row);
   if (at < 0) return false;

@@ -37,6 +37,7 @@ class TVXRAMKnownSort {
   std::vector<TSortColumn> columns_;
   std::uint64_t stamp_ = 0;
   std::uint64_t changes_ = 0;   // of the list
+  std::uint64_t rewrites_ = 0;  // those that weren't appending
   std::int32_t count_ = 0;      // its length
   std::optional<bool> differ_;  // no two rows compare equal; unset: not looked at
 };

@@ -93,6 +93,15 @@ inline bool RowHolds(const TVXRAMRow* row, const TVXRAMFieldSlot& slot) {
          std::int64_t{slot.valueOffset} + slot.size <= TVXRAMRowPool::SizeOf(row);
 }
 
+/// Asks for the memory of a row's head and of a field's value ahead of their use; for null nothing. A walk over many
+/// rows gains by it from about kRowsAhead rows before.
+inline void PrefetchRow(const TVXRAMRow* row, const TVXRAMFieldSlot& slot) {
+  if (row == nullptr) return;
+  __builtin_prefetch(RowBytes(row));
+  __builtin_prefetch(RowBytes(row) + slot.valueOffset);
+}
+inline constexpr std::int32_t kRowsAhead = 16;
+
 /// RowHolds for writing: a layout with senseless sizes may place fields in the row's head or before it.
 inline bool RowTakes(const TVXRAMRow* row, const TVXRAMFieldSlot& slot) {
   return RowHolds(row, slot) && slot.statusOffset >= kFirstFieldOffset;

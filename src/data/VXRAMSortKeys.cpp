@@ -26,13 +26,6 @@ std::uint64_t WordOf(double value) {
 
 std::uint64_t WordOf(std::int32_t value) { return static_cast<std::uint64_t>(std::int64_t{value}) ^ kSignBit; }
 
-/// Asks for a row's head and value ahead of their use. The row may be missing; who reads it tells that.
-void Prefetch(const TVXRAMRow* row, const TVXRAMFieldSlot& slot) {
-  if (row == nullptr) return;
-  __builtin_prefetch(RowBytes(row));
-  __builtin_prefetch(RowBytes(row) + slot.valueOffset);
-}
-
 constexpr std::uint64_t LowBits(std::int32_t count) { return count == 0 ? 0 : kOnes >> (kKeyBits - count); }
 
 /// Gathers the bits of a mask at the low end, in their order: a block of bits by one shift, others in six steps that
@@ -82,10 +75,9 @@ class TBitPicker {
 template <class ReadWord>
 TSortKeys::TSpread TSortKeys::Read(std::span<const TSortItem> items, const TVXRAMFieldSlot& slot,
                                    const ReadWord& read) {
-  constexpr std::size_t kAhead = 16;
   TSpread spread;
   for (std::size_t i = 0; i < items.size(); ++i) {
-    Prefetch(Row(items[std::min(i + kAhead, items.size() - 1)]), slot);
+    PrefetchRow(Row(items[std::min(i + kRowsAhead, items.size() - 1)]), slot);
     const TVXRAMRow* const row = Row(items[i]);
     if (RowStatus(row, slot) != vxfsAssigned) {
       words_[i] = kNullWord;

@@ -330,11 +330,28 @@ std::int32_t TVXRAMTable::Find(const TVXList& rows, const TVXRAMRow* row, std::i
   return idsAreUnique_ && pool_.Owns(row) ? FindRow(rows, row, hint) : rows.IndexOf(row);
 }
 
+bool TVXRAMTable::IsLeaving(const TVXRAMRow* row) const {
+  return std::find(leavingRows_.begin(), leavingRows_.end(), row) != leavingRows_.end();
+}
+
+/// Marks a row of whose deletion the cursors are being told.
+class TVXRAMTable::TLeaving {
+ public:
+  TLeaving(TVXRAMTable& table, const TVXRAMRow* row) : rows_(table.leavingRows_) { rows_.push_back(row); }
+  ~TLeaving() { rows_.pop_back(); }
+  TLeaving(const TLeaving&) = delete;
+  TLeaving& operator=(const TLeaving&) = delete;
+
+ private:
+  std::vector<const TVXRAMRow*>& rows_;
+};
+
 void TVXRAMTable::DeleteRecord(TVXRAMCursor* origin, TVXRAMRow* row) {
   if (row == nullptr) return;
   const TTableOperation running(*this);
   CheckNesting();
   const std::int32_t hint = cursors_.Contains(origin) ? origin->physicalIndex_ : 0;
+  const TLeaving leaving(*this, row);
   baseIndex_->Remove(row);
   for (std::int32_t i = 0; i < indices_->Count(); ++i) indices_->Get_Item(i)->Get_Index()->Remove(row);
   cursors_.ForEach([origin, row](TVXRAMCursor& cursor) { cursor.RecordDeletionNotification(origin, row); });

@@ -244,6 +244,9 @@ class TVXRAMTable : public TComponent {
   std::int32_t CompareSortField(const TVXRAMRow* first, const TVXRAMRow* second, TVXRAMFieldType type) const;
   std::int32_t ReleaseAll(TVXList& rows);
   bool IsNamed(const TVXRAMRow* row) const;
+  class TLeaving;
+  /// The row is being deleted: it stands in the main list until all cursors were told, and no cursor may list it anew.
+  bool IsLeaving(const TVXRAMRow* row) const;
   /// Something waits for the end of the outermost operation.
   bool HasMoreToDo() const { return !droppedRows_.empty() || !waiting_.empty() || released_; }
   void EndOperation();
@@ -273,6 +276,7 @@ class TVXRAMTable : public TComponent {
   static constexpr std::int32_t kMostNested = 1000;
   std::int32_t operations_ = 0;  // nesting of TTableOperation
   bool idsAreUnique_ = true;
+  std::vector<const TVXRAMRow*> leavingRows_;   // of those deletions that are under way
   std::vector<TVXRAMRow*> droppedRows_;         // to be released when the outermost operation ends
   std::vector<TVXRAMRow*> heldRows_;            // dropped, but named by a cursor
   std::vector<std::function<void()>> waiting_;  // see WhenIdle

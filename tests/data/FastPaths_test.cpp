@@ -27,7 +27,8 @@ struct TWalker {
 
 /// Where a cursor stands after it has deleted the row at `at`.
 std::int32_t AfterDeletion(const TVXRAMCursor& cursor, std::int32_t at, std::int32_t left) {
-  return std::max(0, std::min(cursor.Get_Order() == vxrcoDescending ? at - 1 : at, left - 1));
+  const std::int32_t next = cursor.Get_Order() == vxrcoDescending ? at - 1 : at;
+  return next < 0 ? 0 : std::min(next, left - 1);  // -1 once the list is empty
 }
 
 TEST(FastPaths, DeletionsFromLongListsAgreeWithVectors) {
@@ -54,9 +55,9 @@ TEST(FastPaths, DeletionsFromLongListsAgreeWithVectors) {
   std::int32_t run = 0;
   TWalker* walker = walkers;
   for (std::int32_t step = 0; step < kCount - 500; ++step) {
-    if (run-- == 0) {
+    if (run-- == 0 || walker->ids.empty()) {
       run = dice.Below(30);
-      walker = &walkers[dice.Below(4)];
+      walker = &walkers[dice.Below(walkers[3].ids.empty() ? 3 : 4)];
       walker->cursor->GoToFirstRec();
       walker->cursor->Set_RecordID(dice.OneIn(2) ? -1 : dice.Pick(walker->ids));
     }

@@ -402,5 +402,46 @@ TEST(Hostile, BucketsOfAnyDateAndMode) {
     }
 }
 
+TEST(Hostile, BucketsMayBeChangedByHand) {
+  TTestTable table({{"Key", vxrftInteger}, {"Load", vxrftInteger}});
+  for (const std::int32_t key : {5, 1, 3, 9}) table.Add({key, key});
+  TVXRAMCursorBucketer& cursor = table.OpenBuckets({.fields = "Key", .folds = {{"Load", vxbtCumulate}}});
+  TVXRAMBucketList& buckets = *cursor.Get_BucketList();
+  buckets.GetBucketByID("5")->Free();
+  EXPECT_EQ(cursor.FindBucketInfoByRecordPointer(table.Row(0)), nullptr);
+  buckets.GetBucketByID("1")->Get_Records()->Clear();
+  buckets.GetBucketByID("1")->Free();
+  EXPECT_EQ(cursor.FindBucketInfoByRecordPointer(table.Row(1)), nullptr);
+  static_cast<TCollection&>(buckets).Add();
+  buckets.GetBucketByID("9")->SetCollection(table.OpenBuckets({.fields = "Load"}).Get_BucketList());
+  EXPECT_EQ(buckets.GetBucketByID("9"), nullptr);
+  cursor.BuildAllBuckets();
+  buckets.Build(*buckets.Get_Bucket(0)->Get_Records(), true);
+  EXPECT_EQ(Values(cursor, "Load"), "10 1 3 9");
+  AddField(*table, "More", vxrftInteger, 0);
+  EXPECT_EQ(ErrorOf([&] { buckets.Build(table.MainList(), true); }), "ERAMTableError");
+}
+
+TEST(Hostile, QuickWaysKnowWhatChangedByHand) {
+  TTestTable table({{"Key", vxrftInteger}});
+  TVXRAMCursor& sorted = table.Open({.sort = "Key"});
+  for (const std::int32_t key : {5, 1, 3, 9}) table.Add({key});
+  TVXRAMRow* const last = table.Row(3);
+  table.MainList().Delete(3);
+  table.Add({4});
+  table.MainList().Insert(0, last);
+  sorted.RecordInsertionNotification(table.Row(1));
+  EXPECT_EQ(Values(sorted, "Key"), "1 3 4 5 9");
+  // A row that is inserted while another one is being deleted brings that one back into no list.
+  table.Close(sorted);
+  TVXRAMCursor& filtered = table.Open({.filterField = "Key", .filterValue = 4});
+  table.owner->onRefresh = [&] {
+    table.owner->onRefresh = nullptr;
+    table.Add({4});
+  };
+  table->DeleteRecord(nullptr, table.Row(2));
+  EXPECT_EQ(Values(filtered, "Key"), "4");
+}
+
 }  // namespace
 }  // namespace vx

@@ -1,6 +1,7 @@
 #include "platform/component/Collection.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "platform/component/Published.h"
 #include "platform/runtime/List.h"
@@ -64,11 +65,13 @@ void TCollectionItem::SetCollection(TCollection* collection) {
   if (collection != nullptr) collection->Changed();
 }
 
+std::int32_t TCollectionItem::Index() const { return collection_ == nullptr ? -1 : collection_->PlaceOf(*this); }
+
 void TCollectionItem::SetIndex(std::int32_t index) {
   if (collection_ == nullptr) return;
   collection_->CheckIndex(index, collection_->Count());
-  if (index == index_) return;
-  collection_->Move(index_, index);
+  if (index == Index()) return;
+  collection_->Move(Index(), index);
   Changed(true);
 }
 
@@ -78,7 +81,7 @@ TPersistent* TCollectionItem::GetOwner() const { return collection_; }
 
 std::string TCollectionItem::GetNamePath() const {
   if (collection_ == nullptr) return ClassName();
-  return collection_->GetNamePath() + "[" + std::to_string(index_) + "]";
+  return collection_->GetNamePath() + "[" + std::to_string(Index()) + "]";
 }
 
 void TCollectionItem::Changed(bool allItems) {
@@ -208,19 +211,21 @@ void TCollection::CheckTakes(const TCollectionItem& item) const {
 
 void TCollection::Enter(TCollectionItem& item) {
   if (closed_) throw EInvalidOperation("A collection that is being freed takes no items");
+  if (!items_.empty() && items_.back()->number_ == std::numeric_limits<std::int32_t>::max()) Renumber(0);
+  const std::int32_t number = items_.empty() ? 0 : items_.back()->number_ + 1;
   items_.push_back(&item);
   item.collection_ = this;
-  item.index_ = Count() - 1;
+  item.number_ = number;
+  if (numbered_ == number) ++numbered_;
   item.id_ = CountOn(nextID_);
   ItemsMoved();
 }
 
 void TCollection::Leave(TCollectionItem& item) noexcept {
-  const auto at = static_cast<std::size_t>(item.index_);
-  items_.erase(items_.begin() + item.index_);
+  const std::int32_t at = PlaceOf(item);
+  items_.erase(items_.begin() + at);
   item.collection_ = nullptr;
-  item.index_ = -1;
-  Renumber(at);
+  numbered_ = std::min(numbered_, at);
   ItemsMoved();
 }
 
@@ -230,12 +235,20 @@ void TCollection::Move(std::int32_t from, std::int32_t to) {
     std::rotate(begin + from, begin + from + 1, begin + to + 1);
   else
     std::rotate(begin + to, begin + from, begin + from + 1);
-  Renumber(static_cast<std::size_t>(std::min(from, to)));
+  Renumber(static_cast<std::size_t>(std::min({from, to, numbered_})));
   ItemsMoved();
 }
 
 void TCollection::Renumber(std::size_t from) noexcept {
-  for (std::size_t i = from; i < items_.size(); ++i) items_[i]->index_ = static_cast<std::int32_t>(i);
+  for (std::size_t i = from; i < items_.size(); ++i) items_[i]->number_ = static_cast<std::int32_t>(i);
+  numbered_ = Count();
+}
+
+std::int32_t TCollection::PlaceOf(const TCollectionItem& item) const noexcept {
+  if (item.number_ < numbered_) return item.number_;
+  const auto at = std::lower_bound(items_.begin() + numbered_, items_.end(), item.number_,
+                                   [](const TCollectionItem* other, std::int32_t n) { return other->number_ < n; });
+  return static_cast<std::int32_t>(at - items_.begin());
 }
 
 }  // namespace vx

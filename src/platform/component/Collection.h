@@ -56,7 +56,7 @@ class TCollectionItem : public TPersistent {
   /// Counts up from 0 in each collection; never used again there.
   std::int32_t ID() const { return id_; }
   /// Position in the collection; -1 without one.
-  std::int32_t Index() const { return index_; }
+  std::int32_t Index() const;
   /// Moves the item. EListError outside 0 to Count - 1.
   void SetIndex(std::int32_t index);
 
@@ -80,7 +80,7 @@ class TCollectionItem : public TPersistent {
 
   TCollection* collection_ = nullptr;
   std::int32_t id_ = 0;
-  std::int32_t index_ = -1;
+  std::int32_t number_ = -1;  // see TCollection::PlaceOf
 };
 
 class TCollection : public TPersistent {
@@ -143,11 +143,15 @@ class TCollection : public TPersistent {
   void Enter(TCollectionItem& item);
   void Leave(TCollectionItem& item) noexcept;
   void Move(std::int32_t from, std::int32_t to);
+  /// Items carry numbers that rise along the list. An item that leaves doesn't make all behind it take new ones: up to
+  /// `numbered_` the numbers are the positions, behind that they only tell the order, and the position is searched.
+  std::int32_t PlaceOf(const TCollectionItem& item) const noexcept;
   void Renumber(std::size_t from) noexcept;
   TCollectionItem* LastFreeable() const;
 
   TClassOf<TCollectionItem> itemClass_;
   std::vector<TCollectionItem*> items_;
+  std::int32_t numbered_ = 0;
   std::int32_t nextID_ = 0;
   std::int32_t updateCount_ = 0;
   bool closed_ = false;       // torn down: takes no items any more

@@ -68,8 +68,11 @@ class TScanner {
   /// `word` at the front, letter case ignored; an empty word is never found.
   bool WordInFront(std::string_view word) {
     SkipBlanks();
-    if (word.empty() || !SameText(rest_.substr(0, word.size()), word)) return false;
-    rest_.remove_prefix(word.size());
+    std::size_t size = 0;  // of as many letters; in the other case one may have more or fewer bytes
+    for (std::size_t at = 0; at < word.size() && size < rest_.size(); NextCodePoint(word, at))
+      NextCodePoint(rest_, size);
+    if (word.empty() || !SameText(rest_.substr(0, size), word)) return false;
+    rest_.remove_prefix(size);
     return true;
   }
 

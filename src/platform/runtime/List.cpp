@@ -23,8 +23,9 @@ const TClass& TList::StaticClass() {
   return info;
 }
 
-std::int32_t TList::IndexOf(const void* item) const {
-  for (auto at = items_.begin();; ++at) {
+std::int32_t TList::IndexOf(const void* item, std::int32_t from) const {
+  if (from < 0 || from >= Count()) return -1;
+  for (auto at = items_.begin() + static_cast<std::ptrdiff_t>(Place(from));; ++at) {
     at = std::find(at, items_.end(), item);
     if (at == items_.end()) return -1;
     const auto place = static_cast<std::int32_t>(at - items_.begin());

@@ -39,8 +39,8 @@ class TList : public TObject {
   }
   void* First() const { return Items(0); }
   void* Last() const { return Items(Count() - 1); }
-  /// Position of the first occurrence; -1 if there is none.
-  std::int32_t IndexOf(const void* item) const;
+  /// Position of the first occurrence from `from` on; -1 if there is none.
+  std::int32_t IndexOf(const void* item, std::int32_t from = 0) const;
 
   // -- Changing -------------------------------------------------------------------------------------------------------
   /// Appends and answers the position.
