@@ -104,7 +104,7 @@ class TDateModel {
 
   std::string DateText() {
     const char separator = Locale().DateSeparator;
-    std::string format = AnsiUpperCase(Locale().ShortDateFormat);
+    std::string format = UpperCase(Locale().ShortDateFormat);
     std::string date;
     for (;;) {
       const std::string field = NextToken(format, separator);
@@ -143,7 +143,7 @@ class TDateModel {
 
   std::string TimeText() {
     const char separator = Locale().TimeSeparator;
-    std::string format = AnsiUpperCase(Locale().LongTimeFormat);
+    std::string format = UpperCase(Locale().LongTimeFormat);
     std::string time;
     for (;;) {
       const std::string field = NextToken(format, ':');
