@@ -1,5 +1,7 @@
 #include "data/VXRAMKnownSort.h"
 
+#include "data/VXRAMRowSearch.h"
+
 namespace vx {
 
 namespace {
@@ -54,15 +56,8 @@ bool TVXRAMKnownSort::Differ(const TVXList& rows, const TVXRAMRow* but) const {
 std::int32_t TVXRAMKnownSort::Find(const TVXList& rows, const TVXRAMRow* row) const {
   if (rows.Last() == row) return rows.Count() - 1;
   if (rows.Count() > count_) return rows.IndexOf(row);
-  std::int32_t low = 0;
-  for (std::int32_t high = rows.Count(); low < high;) {
-    const std::int32_t middle = low + (high - low) / 2;
-    if (Compare(RowAt(rows, middle), row) < 0)
-      low = middle + 1;
-    else
-      high = middle;
-  }
-  return low < rows.Count() && rows.Items(low) == row ? low : rows.IndexOf(row);
+  const std::int32_t at = SearchRow(rows, [&](const TVXRAMRow* other) { return Compare(other, row) < 0; });
+  return at < rows.Count() && rows.Items(at) == row ? at : rows.IndexOf(row);
 }
 
 /// The position that the row at `at` belongs to among the others, once it is taken out there; -1 if it equals one.
