@@ -220,7 +220,8 @@ void TVXRAMBucketBuilder::TakeBlock(std::size_t first) {
       ++bucketOf_[i]->state_.rows;
 }
 
-/// Asks for the memory of the block from `first` on, which is read next.
+/// Asks for the memory of the block from `first` on, which is read next: two lines of each row, without PrefetchRow's
+/// look at row and field, which costs a fifth of the whole time here.
 void TVXRAMBucketBuilder::Fetch(std::size_t first) {
   constexpr std::size_t kCacheLine = 64;
   for (std::size_t i = first; i < std::min(first + TRowKeys::kBlock, rows_.size()); ++i) {

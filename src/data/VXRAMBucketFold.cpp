@@ -1,9 +1,6 @@
 #include "data/VXRAMBucketFold.h"
 
 #include <algorithm>
-#include <utility>
-
-#include "platform/runtime/Text.h"
 
 namespace vx {
 

@@ -5,7 +5,7 @@
 //
 //   TVXRAMBucketFold fold(cursor);
 //   fold.Compute(bucket);                              // from all its rows
-//   fold.Begin(bucket); fold.AddRow(bucket, row); …; fold.Finish(bucket);   // the same, while the rows pass by
+//   fold.AddRow(bucket, row); …; fold.Finish(bucket);  // the same for a new bucket, while its rows pass by
 //   fold.Extend(bucket, row);                          // one more row behind those of the last Finish
 //
 // While rows are added, an averaged field of the bucket's row holds the sum. Finish divides it, and keeps the sum aside
@@ -27,10 +27,8 @@ class TVXRAMBucketFold {
   /// bucketed name before the first date field is no field's.
   void Compute(TVXRAMBucketInfo& bucket) const;
 
-  /// True if Begin can't fail on a row of the present layout.
+  /// True if Compute can't fail, so that rows may be added as they come.
   bool CanStream() const { return !dateFails_ && layoutIsSound_; }
-  /// Clears the values. Raises like Compute.
-  void Begin(TVXRAMBucketInfo& bucket) const;
   void AddRow(TVXRAMBucketInfo& bucket, const TVXRAMRow* row) const;
   /// `bucket` holds all rows that were added.
   void Finish(TVXRAMBucketInfo& bucket) const;
@@ -50,6 +48,7 @@ class TVXRAMBucketFold {
   };
 
   void SettleDate();
+  void Begin(TVXRAMBucketInfo& bucket) const;
   void ClearValues(TVXRAMRow* target) const;
   bool IsWhole(const TVXRAMRow* row) const { return TVXRAMRowPool::SizeOf(row) >= wholeSize_; }
   template <bool Whole>

@@ -182,12 +182,16 @@ TVXRAMBucketInfo& TVXRAMBucketList::Insert(TVXRAMRow* row, bool update) {
   std::string key;
   Need(cursor_, "cursor of the buckets").CalcBucketedFieldValue(row, key);
   TVXRAMBucketInfo& bucket = *Add(key);
-  if (!update || cursor_->Get_IsUpdating())
-    TakeRow(bucket, row);
-  else if (Fold(); IsComputed(bucket))
-    Extend(bucket, row);
+  if (!update || cursor_->Get_IsUpdating()) return TakeRow(bucket, row);
+  const TVXRAMBucketFold& fold = Fold();
+  const bool goesOn = IsComputed(bucket);
+  TakeRow(bucket, row);
+  cursor_->KnownSort().Forget();
+  if (goesOn)
+    fold.Extend(bucket, row);
   else
-    Compute(TakeRow(bucket, row));
+    fold.Compute(bucket);
+  MarkComputed(bucket);
   return bucket;
 }
 
@@ -227,13 +231,6 @@ void TVXRAMBucketList::Compute(TVXRAMBucketInfo& bucket) {
   const TVXRAMBucketFold& fold = Fold();
   cursor_->KnownSort().Forget();
   fold.Compute(bucket);
-  MarkComputed(bucket);
-}
-
-void TVXRAMBucketList::Extend(TVXRAMBucketInfo& bucket, TVXRAMRow* row) {
-  cursor_->KnownSort().Forget();
-  TakeRow(bucket, row);
-  fold_->Extend(bucket, row);
   MarkComputed(bucket);
 }
 

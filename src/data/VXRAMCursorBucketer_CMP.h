@@ -206,7 +206,6 @@ class TVXRAMBucketList : public TCollection {
   /// By the present settings and definitions.
   const TVXRAMBucketFold& Fold();
   void Compute(TVXRAMBucketInfo& bucket);
-  void Extend(TVXRAMBucketInfo& bucket, TVXRAMRow* row);
   void MarkComputed(TVXRAMBucketInfo& bucket) const;
   bool IsComputed(const TVXRAMBucketInfo& bucket) const;
 

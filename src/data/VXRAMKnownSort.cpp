@@ -63,15 +63,9 @@ std::int32_t TVXRAMKnownSort::Find(const TVXList& rows, const TVXRAMRow* row) co
 /// The position that the row at `at` belongs to among the others, once it is taken out there; -1 if it equals one.
 std::int32_t TVXRAMKnownSort::PlaceOf(const TVXList& rows, const TVXRAMRow* row, std::int32_t at) const {
   const auto other = [&](std::int32_t i) { return RowAt(rows, i < at ? i : i + 1); };
-  std::int32_t low = 0;
-  for (std::int32_t high = rows.Count() - 1; low < high;) {
-    const std::int32_t middle = low + (high - low) / 2;
-    if (Compare(other(middle), row) < 0)
-      low = middle + 1;
-    else
-      high = middle;
-  }
-  return low < rows.Count() - 1 && Compare(other(low), row) == 0 ? -1 : low;
+  const std::int32_t others = rows.Count() - 1;
+  const std::int32_t place = SearchPosition(others, [&](std::int32_t i) { return Compare(other(i), row) < 0; });
+  return place < others && Compare(other(place), row) == 0 ? -1 : place;
 }
 
 /// False if the whole list must be sorted.

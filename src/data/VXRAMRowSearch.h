@@ -11,20 +11,26 @@
 
 namespace vx {
 
-/// A position of `rows` at which `belongsBefore` turns from true to false, Count if it never does; the only one if the
-/// list is in that order. `belongsBefore` is given a row that may be null. O(log n).
+/// A position from 0 to `count` at which `isBefore` turns from true to false; the only one if it turns once. `isBefore`
+/// is asked for positions below `count`. O(log n).
 template <class F>
-std::int32_t SearchRow(const TVXList& rows, const F& belongsBefore) {
+std::int32_t SearchPosition(std::int32_t count, const F& isBefore) {
   std::int32_t low = 0;
-  std::int32_t high = rows.Count();
-  while (low < high) {
-    const std::int32_t middle = low + (high - low) / 2;
-    if (belongsBefore(static_cast<const TVXRAMRow*>(rows.Items(middle))))
+  while (low < count) {
+    const std::int32_t middle = low + (count - low) / 2;
+    if (isBefore(middle))
       low = middle + 1;
     else
-      high = middle;
+      count = middle;
   }
   return low;
+}
+
+/// SearchPosition over `rows`. `belongsBefore` is given a row that may be null.
+template <class F>
+std::int32_t SearchRow(const TVXList& rows, const F& belongsBefore) {
+  return SearchPosition(rows.Count(),
+                        [&](std::int32_t at) { return belongsBefore(static_cast<const TVXRAMRow*>(rows.Items(at))); });
 }
 
 /// A position at which a row with this id stands; -1 if the search meets none, which in a list whose ids don't rise

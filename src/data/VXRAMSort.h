@@ -44,7 +44,7 @@ struct TSortColumn {
 /// Sorts `rows` by the columns, the first deciding first; the same order as QuickSort over the pointers with a compare
 /// of rows.
 /// Cost: O(n log n), near O(n) where keys hold all that decides. Scratch: 32 bytes a row. Only where rows are equal can
-/// an input made to defeat a middle pivot (the greatest in the middle of every part) make it quadratic: 5 s for 100,000
+/// an input made to defeat a middle pivot (the greatest in the middle of every part) make it quadratic: 6 s for 100,000
 /// such rows (./dev bench edits/sorts), stack and scratch as ever.
 void SortRows(void** rows, std::int32_t count, const std::vector<TSortColumn>& columns);
 
