@@ -17,7 +17,11 @@
 // Two ways not to dangle: FreeNotification() for whoever must act when another component goes, and a TComponentRef for
 // whoever just must not touch it any more.
 //
-// Cost: a component is found by a walk over its owner's list. A notification reaches all that the owner's tree holds.
+// Cost: a name is found by hashing, a position by bisection; entering and leaving the owner's list at either end is
+// O(1), in its middle a move of the pointers before or behind. A notification costs what there are listeners in the
+// owner's tree: a component whose class doesn't override Notification(), and that owns nobody whose class does, is
+// passed over. Make() tells which class an object is of; whoever is made otherwise counts as a listener. A component
+// that owns nothing and has no friends pays three empty pointers for all of this.
 #pragma once
 
 #include <cstdint>
@@ -26,10 +30,11 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <typeinfo>
+#include <utility>
 #include <vector>
 
 #include "platform/component/EnumSet.h"
-#include "platform/component/ListenerList.h"
 #include "platform/component/MemoryKeeper.h"
 #include "platform/runtime/Object.h"
 
@@ -63,6 +68,16 @@ class TComponent : public TPersistent {
   void TearDown() override;
   /// Marks this and all that it owns as csDestroying.
   void Destroying();
+  /// Make() says of what class this is; without effect unless that is exactly so. A class must not lift
+  /// TComponent::Notification by a using-declaration past an ancestor that overrides it: it would count as deaf.
+  template <class T>
+  void NoteClass() noexcept {
+    // An override that is out of reach or one of several members of that name isn't of this type either.
+    if constexpr (requires {
+                    requires std::is_same_v<decltype(&T::Notification), void (TComponent::*)(TComponent*, TOperation)>;
+                  })
+      if (typeid(*this) == typeid(T)) NoteDeaf();
+  }
 
   // -- Owner and name ------------------------------------------------------------------------------------------------
   TComponent* Owner() const { return owner_; }
@@ -78,12 +93,12 @@ class TComponent : public TPersistent {
   void SetTag(std::int32_t tag) { tag_ = tag; }
 
   // -- Owned components ----------------------------------------------------------------------------------------------
-  std::int32_t ComponentCount() const { return static_cast<std::int32_t>(components_.Count()); }
+  std::int32_t ComponentCount() const;
   /// EListError outside 0 to ComponentCount - 1.
   TComponent* Components(std::int32_t index) const;
   /// Position in the owner's list; -1 without an owner.
   std::int32_t ComponentIndex() const;
-  /// The owned component of that name, letter case ignored; null if there is none. Owned ones only, not theirs.
+  /// The first owned component of that name, letter case ignored; null if there is none. Owned ones only, not theirs.
   TComponent* FindComponent(std::string_view name) const;
   /// Becomes the owner of `component`, which leaves its former one. EComponentError if the name is taken, if
   /// `component` owns this one directly or by others, or if either is past its end.
@@ -124,6 +139,9 @@ class TComponent : public TPersistent {
 
   enum class TStage : std::uint8_t { Whole, Going, Closed, Gone };
 
+  class TChildren;
+  struct TFriendship;
+
   void CheckTakes(const TComponent& component) const;
   void Enter(TComponent& component);
   void Leave(TComponent& component) noexcept;
@@ -131,21 +149,24 @@ class TComponent : public TPersistent {
   void TellGoing(TComponent* component) noexcept;
   void TellFriends() noexcept;
   void FreeOwned() noexcept;
-  bool Knows(const TComponent* other) const;
-  bool WasTold(const TComponent* other) const;
-  void Forget(const TComponent* other) noexcept;
+  void NoteDeaf() noexcept;
+  bool Hears() const noexcept;
+  void ListAsListener();
 
-  TComponent* owner_ = nullptr;
-  std::string name_;
+  TStage stage_ = TStage::Whole;  // Closed: owns nothing any more; Gone: has told everyone
+  bool released_ = false;         // see MemoryKeeper.h
+  bool overrides_ = true;         // may have a Notification() of its own
+  bool listed_ = false;           // stands among the listeners of its owner
+  std::int32_t keepers_ = 0;      // see MemoryKeeper.h
   std::int32_t tag_ = 0;
   TComponentState state_;
-  TStage stage_ = TStage::Whole;  // Closed: owns nothing any more; Gone: has told everyone
-  TListenerList<TComponent> components_;
-  std::vector<TComponent*> friends_;  // whoever asked here, and whom this one asked
-  std::vector<TComponent*> told_;     // whom this one has told that it goes
-  std::shared_ptr<bool> alive_;       // made for the first weak reference; false once torn down
-  std::int32_t keepers_ = 0;          // see MemoryKeeper.h
-  bool released_ = false;
+  TComponent* owner_ = nullptr;
+  std::uint64_t order_ = 0;  // among the owner's components: who came later has more
+  std::string name_;
+  std::unique_ptr<TChildren> children_;  // made for the first
+  TFriendship* friends_ = nullptr;       // whoever asked here, and whom this one asked, the latest first
+  TFriendship* told_ = nullptr;          // those of whom one has told the other that it goes
+  std::shared_ptr<bool> alive_;          // made for the first weak reference; false once torn down
 };
 
 /// The part of a weak reference that doesn't depend on its type.
@@ -168,10 +189,18 @@ class TComponentLink {
 /// Loaded(); a scope left without it (an error) just ends them.
 class TLoading {
  public:
+  TLoading() = default;
   explicit TLoading(TComponent& component);
-  TLoading(const TLoading&) = delete;
-  TLoading& operator=(const TLoading&) = delete;
+  TLoading(TLoading&&) noexcept = default;
+  TLoading& operator=(TLoading&& other) noexcept {
+    std::swap(link_, other.link_);
+    return *this;
+  }
   ~TLoading();
+  /// Null once the component is torn down.
+  TComponent* Component() const { return link_.Component(); }
+  /// All its properties are there: csReading ends, csLoading stays.
+  void EndReading();
   void Finish();
 
  private:
@@ -232,6 +261,8 @@ void RegisterClass(const TClass& type);
 void UnregisterClass(const TClass& type);
 /// The class registered under `name`; null if there is none.
 const TClass* GetClass(std::string_view name);
+/// All registered classes, on a palette page or not, in the order of their names in lower case.
+std::vector<const TClass*> RegisteredClasses();
 
 /// Registers the classes and puts them on the palette page, after those that are there; pages stand in the order of
 /// their first use. A class stands on one page: a later call moves it.

@@ -1,7 +1,9 @@
 #include "platform/component/Published.h"
 
 #include <algorithm>
+#include <cmath>
 
+#include "platform/runtime/NumberText.h"
 #include "platform/runtime/Text.h"
 
 namespace vx {
@@ -24,6 +26,10 @@ const TPropInfo* FindProp(const TClass* type, std::string_view name) {
 }
 
 std::string PathOf(const TObject& object, const TPropInfo& info) { return object.ClassName() + "." + info.Name; }
+/// A default is checked before there is an object.
+std::string PathOf(const TObject* object, const TPropInfo& info) {
+  return object == nullptr ? info.Name : PathOf(*object, info);
+}
 
 constexpr std::string_view kValueNames[] = {"an ordinal", "a number", "a text", "an object", "an event", "a variant"};
 
@@ -49,25 +55,32 @@ std::size_t ValueIndexOf(TTypeKind kind) {
                        info.TypeName() + "), not " + std::string(kValueNames[asked]));
 }
 
-void CheckKind(const std::string& path, const TPropInfo& info, std::size_t asked) {
-  if (ValueIndexOf(info.Kind) != asked) RaiseWrongKind(path, info, asked);
-}
-
 [[noreturn]] void RaiseBadValue(const std::string& path, const TPropInfo& info, const std::string& value) {
   throw EPropertyError("Invalid value for property " + path + " (" + info.TypeName() + "): " + value);
 }
 
-/// The kind fits; now the value itself.
-void CheckValue(const std::string& path, const TPropInfo& info, const TPropValue& value) {
-  CheckKind(path, info, value.index());
+/// A number that isn't NaN or infinite, but would be nothing else in the property.
+bool IsBeyond(const TPropInfo& info, double value) {
+  return info.IsSingle && std::isfinite(value) && std::abs(value) > std::numeric_limits<float>::max();
+}
+
+/// What is wrong with a value of the right kind; empty if nothing is.
+std::string FaultOf(const TPropInfo& info, const TPropValue& value) {
   if (const auto* const ordinal = std::get_if<std::int64_t>(&value)) {
-    if (*ordinal < info.Least || *ordinal > info.Greatest) RaiseBadValue(path, info, std::to_string(*ordinal));
+    if (*ordinal < info.Least || *ordinal > info.Greatest) return std::to_string(*ordinal);
+  } else if (const auto* const number = std::get_if<double>(&value)) {
+    if (IsBeyond(info, *number)) return FloatToStr(*number);
   } else if (const auto* const object = std::get_if<TObject*>(&value)) {
-    if (*object != nullptr && !(*object)->InheritsFrom(info.Class()))
-      RaiseBadValue(path, info, "a " + (*object)->ClassName());
+    if (*object != nullptr && !(*object)->InheritsFrom(info.Class())) return "a " + (*object)->ClassName();
   } else if (const auto* const event = std::get_if<TAnyEvent>(&value)) {
-    if (!event->Fits(*info.Signature)) RaiseBadValue(path, info, "a handler with other arguments");
+    if (!event->Fits(*info.Signature)) return "a handler with other arguments";
   }
+  return {};
+}
+
+void CheckValue(const TObject* object, const TPropInfo& info, const TPropValue& value) {
+  if (ValueIndexOf(info.Kind) != value.index()) RaiseWrongKind(PathOf(object, info), info, value.index());
+  if (const std::string fault = FaultOf(info, value); !fault.empty()) RaiseBadValue(PathOf(object, info), info, fault);
 }
 
 template <class V>
@@ -160,9 +173,10 @@ std::vector<const TPropInfo*> GetPropList(const TObject* object) {
 }
 
 const TPropInfo& TPropRef::In(const TObject* object) const {
-  const TClass& type = Need(object, "object of a property").ClassType();
-  const TPropInfo* const info = info_ != nullptr ? info_ : GetPropInfo(type, name_);
-  if (info == nullptr) throw EPropertyError("Unknown property: " + type.Name() + "." + std::string(name_));
+  const TObject& asked = Need(object, "object of a property");
+  if (info_ != nullptr) return *info_;
+  const TPropInfo* const info = GetPropInfo(&asked, name_);
+  if (info == nullptr) throw EPropertyError("Unknown property: " + asked.ClassName() + "." + std::string(name_));
   return *info;
 }
 
@@ -175,9 +189,8 @@ TPropValue GetPropValue(const TObject* object, const TPropRef& property) {
 
 void SetPropValue(TObject* object, const TPropRef& property, const TPropValue& value) {
   const TPropInfo& info = property.In(object);
-  const std::string path = PathOf(*object, info);
-  CheckValue(path, info, value);
-  if (info.IsReadOnly()) throw EPropertyError("Property " + path + " is read-only");
+  CheckValue(object, info, value);
+  if (info.IsReadOnly()) throw EPropertyError("Property " + PathOf(object, info) + " is read-only");
   info.Set(*object, value);
 }
 
@@ -198,14 +211,14 @@ std::string GetEnumProp(const TObject* object, const TPropRef& property) {
 
 void SetEnumProp(TObject* object, const TPropRef& property, std::string_view text) {
   const TPropInfo& info = property.In(object);
-  const std::string path = PathOf(*object, info);
-  if (info.Enum == nullptr) throw EPropertyError("Property " + path + " has no names (" + info.TypeName() + ")");
+  if (info.Enum == nullptr)
+    throw EPropertyError("Property " + PathOf(object, info) + " has no names (" + info.TypeName() + ")");
   std::optional<std::uint64_t> value;
   if (info.Kind == tkSet)
     value = TextToSet(*info.Enum, text);
   else if (const std::int32_t ordinal = GetEnumValue(*info.Enum, text); ordinal >= 0)
     value = static_cast<std::uint64_t>(ordinal);
-  if (!value) RaiseBadValue(path, info, "'" + std::string(text) + "'");
+  if (!value) RaiseBadValue(PathOf(object, info), info, "'" + std::string(text) + "'");
   SetOrdProp(object, info, static_cast<std::int64_t>(*value));
 }
 
@@ -237,14 +250,16 @@ bool IsStoredProp(const TObject* object, const TPropRef& property) {
   return info.Stored == nullptr || info.Stored(const_cast<TObject&>(*object));
 }
 
-bool IsDefaultProp(const TObject* object, const TPropRef& property) {
-  const TPropInfo& info = property.In(object);
-  const TPropValue value = GetPropValue(object, info);
+bool IsDefaultValue(const TPropInfo& info, const TPropValue& value) {
   switch (info.Kind) {
-    case tkFloat:
-      return std::get<double>(value) == (info.Default ? std::get<double>(*info.Default) : 0.0);
+    case tkFloat: {
+      const double wanted = info.Default ? std::get<double>(*info.Default) : 0.0;
+      const double is = std::get<double>(value);
+      return is == wanted && std::signbit(is) == std::signbit(wanted);
+    }
     case tkString:
-      return std::get<std::string>(value) == (info.Default ? std::get<std::string>(*info.Default) : std::string());
+      return std::get<std::string>(value) ==
+             (info.Default ? std::string_view(std::get<std::string>(*info.Default)) : std::string_view());
     case tkClass:
       return std::get<TObject*>(value) == nullptr;
     case tkMethod:
@@ -254,6 +269,11 @@ bool IsDefaultProp(const TObject* object, const TPropRef& property) {
     default:
       return info.Default && std::get<std::int64_t>(value) == std::get<std::int64_t>(*info.Default);
   }
+}
+
+bool IsDefaultProp(const TObject* object, const TPropRef& property) {
+  const TPropInfo& info = property.In(object);
+  return IsDefaultValue(info, GetPropValue(object, info));
 }
 
 // -- Handlers by name -------------------------------------------------------------------------------------------------
@@ -294,7 +314,7 @@ void PutDefault(TPropInfo& info, TPropValue value, const TEnumTable* enumeration
     RaiseBadValue(info.Name, info, "a default of another enumeration");
   if (info.Kind == tkClass || info.Kind == tkMethod || info.Kind == tkVariant)
     RaiseBadValue(info.Name, info, "a default");
-  CheckValue(info.Name, info, value);
+  CheckValue(nullptr, info, value);
   info.Default = std::move(value);
 }
 

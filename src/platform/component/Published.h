@@ -105,7 +105,8 @@ struct TPropInfo {
   std::function<void(TObject&, const TPropValue&)> Set;  ///< empty for a read-only property
   std::function<bool(TObject&)> Stored;                  ///< empty: always
   std::optional<TPropValue> Default;
-  bool Hidden = false;  ///< known to descendants, which may publish it; not listed itself
+  bool IsSingle = false;  ///< of tkFloat: a float, which takes no finite number beyond its range
+  bool Hidden = false;    ///< known to descendants, which may publish it; not listed itself
 
   std::string TypeName() const;
   bool IsOrdinal() const;
@@ -183,6 +184,8 @@ bool IsStoredProp(const TObject* object, const TPropRef& property);
 /// True if the value is the declared default. Without one: an empty text, 0.0, no object and no handler are defaults,
 /// an ordinal never is.
 bool IsDefaultProp(const TObject* object, const TPropRef& property);
+/// The same of a value that was read already.
+bool IsDefaultValue(const TPropInfo& info, const TPropValue& value);
 
 // -- Handlers by name ------------------------------------------------------------------------------------------------
 
@@ -231,7 +234,8 @@ void Describe(TPropInfo& info) {
                                    : static_cast<std::int64_t>(std::numeric_limits<V>::max());
   } else if constexpr (std::is_floating_point_v<V>) {
     info.Kind = tkFloat;
-    if (sizeof(V) == sizeof(float)) info.GivenTypeName = "Single";
+    info.IsSingle = sizeof(V) == sizeof(float);
+    if (info.IsSingle) info.GivenTypeName = "Single";
   } else if constexpr (std::is_same_v<V, std::string>) {
     info.Kind = tkString;
   } else if constexpr (std::is_same_v<V, Variant>) {
@@ -282,6 +286,7 @@ V FromValue(const TPropValue& value) {
 
 template <class T>
 T& Self(TObject& object, const std::string& property) {
+  if (&typeid(object) == &typeid(T)) return static_cast<T&>(object);
   T* const self = dynamic_cast<T*>(&object);
   if (self == nullptr) RaiseWrongClass(object, property, T::StaticClass().Name());
   return *self;

@@ -22,6 +22,8 @@
 
 namespace vx {
 
+class TFiler;  // in component/Filer.h
+
 class TObject {
  public:
   TObject() = default;
@@ -62,6 +64,10 @@ class TPersistent : public TObject {
   static const TClass& StaticClass();
   const TClass& ClassType() const override { return StaticClass(); }
 
+  /// Names what a stream keeps of this object beside its published properties; see component/Filer.h. Overriders call
+  /// the inherited one first.
+  virtual void DefineProperties(TFiler& filer) { static_cast<void>(filer); }
+
   /// Takes over the state of `source`. The base asks the source (AssignTo); EConvertError if neither knows the other.
   /// A null source raises too.
   virtual void Assign(const TPersistent* source);
@@ -87,6 +93,7 @@ using TOwned = std::unique_ptr<T, TFree>;
 template <class T, class... Args>
 TOwned<T> Make(Args&&... args) {
   TOwned<T> object(new T(std::forward<Args>(args)...));
+  if constexpr (requires { object->template NoteClass<T>(); }) object->template NoteClass<T>();  // for components
   object->AfterConstruction();
   return object;
 }

@@ -2,12 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
+#include <limits>
 #include <random>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "platform/component/Published.h"
+#include "platform/runtime/Text.h"
 #include "support/TestKit.h"
 
 namespace vx {
@@ -239,6 +243,18 @@ TEST_F(TComponents, ANewcomerMayBeFreedByTheFirstWhoHearsOfIt) {
   EXPECT_EQ(form->ComponentCount(), 2);
 }
 
+TEST_F(TComponents, WhoJoinsDuringARoundHearsTheNext) {
+  auto form = Make<THostile>();
+  THostile* const first = New<THostile>(form.get(), "first");
+  auto late = Make<THostile>(nullptr, "late");
+  first->onNotification = [&](TComponent*, TOperation) { form->InsertComponent(late.get()); };
+  heard.clear();
+  New<THostile>(form.get(), "news");
+  EXPECT_EQ(heard, (std::vector<std::string>{"first+news", "first+late", "news+late", "late+late", "news+news"}));
+  first->onNotification = nullptr;  // the form's end is news, too
+  static_cast<void>(late.release());
+}
+
 TEST_F(TComponents, AChildMayFreeItsOwnerWhileItGoes) {
   THostile* const form = New<THostile>(static_cast<TComponent*>(nullptr));
   THostile* const child = New<THostile>(form);
@@ -339,6 +355,215 @@ TEST_F(TComponents, RandomLivesKeepOwnersAndFriendsInOrder) {
   }
   for (THostile* each : alive) each->onNotification = nullptr;
   while (!alive.empty()) (*alive.begin())->Free();
+}
+
+// -- Who is passed over -----------------------------------------------------------------------------------------------
+
+int calls = 0;
+class TProtected : public TComponent {
+ public:
+  using TComponent::TComponent;
+
+ protected:
+  void Notification(TComponent*, TOperation) override { ++calls; }
+};
+class TPrivate : public TComponent {
+  using TComponent::TComponent;
+  void Notification(TComponent*, TOperation) override { ++calls; }
+};
+class TInherits : public TProtected {
+  using TProtected::TProtected;
+};
+class TOverloads : public TComponent {
+ public:
+  using TComponent::TComponent;
+  void Notification(TComponent*, TOperation) override { ++calls; }
+  void Notification(int) {}
+};
+
+TEST_F(TComponents, NobodyWhoOverridesIsPassedOver) {
+  TComponent* (*const makers[])(TComponent*) = {
+      [](TComponent* owner) -> TComponent* { return New<TProtected>(owner); },
+      [](TComponent* owner) -> TComponent* { return New<TPrivate>(owner); },
+      [](TComponent* owner) -> TComponent* { return New<TInherits>(owner); },
+      [](TComponent* owner) -> TComponent* { return New<TOverloads>(owner); },
+      [](TComponent* owner) -> TComponent* { return new TProtected(owner); },
+  };
+  for (const auto make : makers) {
+    const auto form = Make<TComponent>();
+    TComponent* const panel = New<TComponent>(form.get());
+    make(panel)->NoteClass<TComponent>();  // no class of its own: without effect
+    calls = 0;
+    New<TComponent>(form.get());
+    EXPECT_EQ(calls, 1);
+  }
+}
+
+/// Who doesn't listen but must be visited all the same, since it overrides.
+class TPassesOn : public TComponent {
+ public:
+  using TComponent::TComponent;
+
+ protected:
+  void Notification(TComponent* component, TOperation operation) override {
+    TComponent::Notification(component, operation);
+  }
+};
+
+/// Random lives of listeners, who act on what they hear, among others of class `TOther`; the components bear numbers.
+template <class TOther>
+class TLives {
+ public:
+  explicit TLives(std::uint32_t seed) : random_(seed) {
+    for (int step = 0; step < 1500; ++step) {
+      log.push_back("step");
+      Act(nullptr);
+    }
+    depth_ = 3;  // from here on they only listen
+    while (TComponent* const last = Pick()) last->Free();
+  }
+  std::vector<std::string> log;
+
+ private:
+  class TListener : public TComponent {
+   public:
+    TListener(TComponent* owner, TLives* lives) : TComponent(owner), lives_(lives) {}
+
+   protected:
+    void Notification(TComponent* component, TOperation operation) override {
+      const bool early = Tag() % 3 == 0;
+      if (early) TComponent::Notification(component, operation);
+      lives_->Heard(*this, *component, operation);
+      if (!early) TComponent::Notification(component, operation);
+    }
+
+   private:
+    TLives* lives_;
+  };
+
+  void Heard(TComponent& listener, TComponent& sender, TOperation operation) {
+    log.push_back(std::to_string(listener.Tag()) + "+-"[operation] + std::to_string(sender.Tag()));
+    if (depth_ >= 3 || random_() % 4 != 0) return;
+    ++depth_;
+    Act(&sender);
+    --depth_;
+  }
+  TComponent* Pick() {
+    std::erase_if(all_, [](const TComponentRef<>& each) { return !each; });
+    return all_.empty() ? nullptr : all_[random_() % all_.size()].Get();
+  }
+  void Add() {
+    TComponent* const owner = Pick();
+    const auto number = static_cast<std::int32_t>(++made_);
+    const bool listens = random_() % 4 == 0;
+    depth_ += 3;  // who is still being made can't be freed
+    TComponent* const made = listens ? New<TListener>(owner, this) : static_cast<TComponent*>(New<TOther>(owner));
+    depth_ -= 3;
+    made->SetTag(number);
+    all_.emplace_back(made);
+  }
+  void Act(TComponent* sender) {
+    const auto what = random_() % 12;
+    TComponent* const one = Pick();
+    TComponent* const other = sender != nullptr && random_() % 2 == 0 ? sender : Pick();
+    if (one == nullptr || (what < 3 && all_.size() < 40)) return Add();
+    if (what < 5) return one->FreeNotification(other);
+    if (random_() % 8 == 0)
+      for (const TComponentRef<>& each : all_) one->FreeNotification(each.Get());
+    if (what < 6) return one->RemoveFreeNotification(other);
+    if (what < 8) return one->Owner() != nullptr ? one->Owner()->RemoveComponent(one) : Add();
+    if (what < 10) return all_.size() > 15 ? one->Free() : Add();
+    try {
+      one->InsertComponent(other);
+    } catch (const EComponentError& error) {
+      log.push_back(error.what());
+    }
+  }
+
+  std::mt19937 random_;
+  std::vector<TComponentRef<>> all_;
+  std::size_t made_ = 0;
+  int depth_ = 0;
+};
+
+TEST_F(TComponents, ListenersHearTheSameWhetherOthersAreVisitedOrPassedOver) {
+  for (std::uint32_t seed = 1; seed <= 10; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    const TLives<TPassesOn> visited(seed);
+    const TLives<TComponent> passedOver(seed);
+    ASSERT_GT(visited.log.size(), 3000u);
+    ASSERT_EQ(visited.log, passedOver.log);
+  }
+}
+
+TEST_F(TComponents, NamesAndPlacesAreThoseOfAWalk) {
+  class TPermits : public TComponent {  // names may stand twice
+   protected:
+    void ValidateRename(const TComponent*, const std::string&) const override {}
+  };
+  const std::uint32_t seed = 20241123;
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  std::mt19937 random(seed);
+  const auto name = [&random] {
+    std::string text = "component_" + std::to_string(random() % 40);
+    for (char& c : text)
+      if (c >= 'a' && random() % 2 == 0) c = static_cast<char>(c - 'a' + 'A');
+    return random() % 10 == 0 ? std::string() : text;
+  };
+  const auto strict = Make<TComponent>();
+  const auto permits = Make<TPermits>();
+  for (int step = 0; step < 20000; ++step) {
+    TComponent* const owner = random() % 2 == 0 ? strict.get() : permits.get();
+    std::vector<TComponent*> walk;  // as it was before; those who come stand at its end
+    for (std::int32_t i = 0; i < owner->ComponentCount(); ++i) walk.push_back(owner->Components(i));
+    const std::size_t at = walk.empty() ? 0 : random() % walk.size();
+    const auto what = walk.empty() ? 0 : random() % 8;
+    try {
+      if (what < 2 && walk.size() < 60) {
+        walk.push_back(New<TComponent>(owner));
+      } else if (what < 3) {
+        walk[at]->Free();
+        walk.erase(walk.begin() + static_cast<std::ptrdiff_t>(at));
+      } else if (what < 4) {
+        (owner == strict.get() ? permits.get() : strict.get())->InsertComponent(walk[at]);
+        walk.erase(walk.begin() + static_cast<std::ptrdiff_t>(at));
+      } else {
+        walk[at]->SetName(name());
+      }
+    } catch (const EComponentError&) {  // taken: all is as before
+    }
+    ASSERT_EQ(static_cast<std::size_t>(owner->ComponentCount()), walk.size());
+    for (std::size_t i = 0; i < walk.size(); ++i) {
+      ASSERT_EQ(owner->Components(static_cast<std::int32_t>(i)), walk[i]);
+      ASSERT_EQ(walk[i]->ComponentIndex(), static_cast<std::int32_t>(i));
+    }
+    const std::string wanted = name();
+    const auto found = std::find_if(walk.begin(), walk.end(), [&](const TComponent* each) {
+      return !wanted.empty() && CompareText(each->Name(), wanted) == 0;
+    });
+    ASSERT_EQ(owner->FindComponent(wanted), found == walk.end() ? nullptr : *found) << "step " << step;
+  }
+}
+
+TEST(Singles, TakeWhatAFloatHolds) {
+  class TScale : public TComponent {
+   public:
+    static const TClass& StaticClass() {
+      static const TClass info =
+          TClassBuilder<TScale>("TScale", TComponent::StaticClass()).Property("Factor", &TScale::factor).Build();
+      return info;
+    }
+    const TClass& ClassType() const override { return StaticClass(); }
+    float factor = 1;
+  };
+  const auto scale = Make<TScale>();
+  EXPECT_EQ(MessageOf<EPropertyError>([&] { SetFloatProp(scale.get(), "Factor", -1e39); }),
+            "Invalid value for property TScale.Factor (Single): -1E39");
+  EXPECT_EQ(scale->factor, 1);
+  for (const float good : {std::numeric_limits<float>::max(), -std::numeric_limits<float>::infinity(), 0.0f}) {
+    SetFloatProp(scale.get(), "Factor", static_cast<double>(good));
+    EXPECT_EQ(scale->factor, good);
+  }
 }
 
 TEST(ClassRegistry, KnowsClassesByNameAndPage) {
