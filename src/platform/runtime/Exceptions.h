@@ -14,6 +14,8 @@
 #include <string>
 #include <utility>
 
+#include "platform/runtime/ClassInfo.h"
+
 namespace vx {
 
 class Exception : public std::exception {
@@ -27,6 +29,12 @@ class Exception : public std::exception {
   const char* what() const noexcept override { return message_.c_str(); }
   /// Name of the most derived class that gave itself a name.
   virtual const char* ClassName() const { return "Exception"; }
+  /// Classes of errors tell of themselves as those of objects do; none has a factory.
+  static const TClass& StaticClass() {
+    static const TClass info("Exception", nullptr);
+    return info;
+  }
+  virtual const TClass& ClassType() const { return StaticClass(); }
 
  private:
   std::string message_;
@@ -41,6 +49,11 @@ class TNamedException : public Base {
  public:
   using Base::Base;
   const char* ClassName() const override { return Self::kName; }
+  static const TClass& StaticClass() {
+    static const TClass info(Self::kName, &Base::StaticClass());
+    return info;
+  }
+  const TClass& ClassType() const override { return StaticClass(); }
 };
 
 /// A position outside a list, or a capacity or count that no list can have.
@@ -97,6 +110,31 @@ class EAbort : public TNamedException<EAbort> {
  public:
   static constexpr const char* kName = "EAbort";
   using TNamedException::TNamedException;
+};
+
+/// What the operating system refused.
+class EOSError : public TNamedException<EOSError> {
+ public:
+  static constexpr const char* kName = "EOSError";
+  /// `errorCode` is the system's own number.
+  EOSError(std::string message, std::int32_t errorCode) : TNamedException(std::move(message)), errorCode_(errorCode) {}
+  std::int32_t ErrorCode() const { return errorCode_; }
+
+ private:
+  std::int32_t errorCode_;
+};
+
+/// A failed result code of a counted interface, as an error.
+class EOleSysError : public TNamedException<EOleSysError> {
+ public:
+  static constexpr const char* kName = "EOleSysError";
+  /// `errorCode` is the result code.
+  EOleSysError(std::string message, std::int32_t errorCode, std::int32_t helpContext = 0)
+      : TNamedException(std::move(message), helpContext), errorCode_(errorCode) {}
+  std::int32_t ErrorCode() const { return errorCode_; }
+
+ private:
+  std::int32_t errorCode_;
 };
 
 /// An access to an object that isn't there: what other systems leave to the memory fault.

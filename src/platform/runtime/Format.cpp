@@ -41,8 +41,13 @@ std::string IntegerText(const TFormatArg& arg, const TPlaceholder& holder) {
 }
 
 std::string RealText(const TFormatArg& arg, const TPlaceholder& holder) {
-  if (holder.Letter == 'f') return FloatToStrF(arg.Real(), ffFixed, 15, holder.Precision < 0 ? 2 : holder.Precision);
-  return FloatToStrF(arg.Real(), ffGeneral, holder.Precision < 0 ? 15 : holder.Precision, 0);
+  const std::int32_t decimals = holder.Precision < 0 ? 2 : holder.Precision;
+  if (holder.Letter == 'f') return FloatToStrF(arg.Real(), ffFixed, 15, decimals);
+  if (holder.Letter == 'n') return FloatToStrF(arg.Real(), ffNumber, 15, decimals);
+  if (holder.Letter == 'm') return FloatToStrF(arg.Real(), ffCurrency, 15, decimals);
+  const std::int32_t precision = holder.Precision < 0 ? 15 : holder.Precision;
+  return holder.Letter == 'e' ? FloatToStrF(arg.Real(), ffExponent, precision, 3)
+                              : FloatToStrF(arg.Real(), ffGeneral, precision, 0);
 }
 
 /// One walk over one format. `at_` stands behind what is read.
@@ -114,7 +119,7 @@ class TFormatter {
   }
 
   void Expand(const TPlaceholder& holder) {
-    if (std::string_view("duxsfg").find(holder.Letter) == std::string_view::npos)
+    if (std::string_view("duxsfgenm").find(holder.Letter) == std::string_view::npos)
       Fail("unknown letter '" + std::string(format_.substr(at_ - 1, 1)) + "'");
     Append(ArgumentText(TakeArgument(), holder), holder);
   }
@@ -126,7 +131,7 @@ class TFormatter {
       return std::string(holder.Precision < 0 ? text : text.substr(0, CodePointsPrefix(text, holder.Precision)));
     }
     if (arg.Kind() == TFormatArg::fkText) Fail("argument " + std::to_string(next_ - 1) + " is no number");
-    if (holder.Letter == 'f' || holder.Letter == 'g') return RealText(arg, holder);
+    if (std::string_view("fgenm").find(holder.Letter) != std::string_view::npos) return RealText(arg, holder);
     if (arg.Kind() != TFormatArg::fkInteger) Fail("argument " + std::to_string(next_ - 1) + " is no integer");
     return IntegerText(arg, holder);
   }

@@ -17,6 +17,9 @@
 //   s      text           greatest number of code points
 //   f      real           digits after the locale's DecimalSeparator; 2 if not given. Integers are taken too
 //   g      real           significant digits, 15 if not given; integers are taken too
+//   e      real           the same, always with an exponent: %.2e gives 1.5E+003
+//   n      real           as for f, the digits before the separator in groups: 1,234.50
+//   m      real           as for n, with the locale's currency: $1,234.50
 //
 // Errors. EConvertError, which quotes the format: a placeholder without its letter, an unknown letter, an index beyond
 // the arguments, a width or precision over kFormatLimit, an argument of another kind. Nothing is made of a wrong

@@ -139,6 +139,13 @@ char ThousandSeparatorOf(const std::string& given, char decimal) {
   return decimal == ',' ? '.' : ',';
 }
 
+void SetMoneyFormats(TLocaleSettings& settings, std::string_view given) {
+  if (given.size() < 2 || !LooksLikeUtf8(given)) return;
+  settings.CurrencyString = given.substr(1);
+  settings.MoneyFormat = given.front() == '+' ? "n $" : "$n";
+  settings.NegMoneyFormat = "-" + settings.MoneyFormat;
+}
+
 // -- The environment ------------------------------------------------------------------------------------------------
 
 using TSystemLocale = std::unique_ptr<std::remove_pointer_t<locale_t>, decltype(&freelocale)>;
@@ -170,6 +177,7 @@ TSystemLocaleItems ItemsOf(locale_t locale) {
           .PM = text(PM_STR),
           .Radix = text(RADIXCHAR),
           .ThousandsSeparator = text(THOUSEP),
+          .Currency = text(CRNCYSTR),
           .ShortMonths = Texts<12>(locale, ABMON_1),
           .LongMonths = Texts<12>(locale, MON_1),
           .ShortDays = Texts<7>(locale, ABDAY_1),
@@ -199,6 +207,9 @@ TLocaleSettings ClassicLocale() {
           .TimePMString = "PM",
           .DecimalSeparator = '.',
           .ThousandSeparator = ',',
+          .CurrencyString = "$",
+          .MoneyFormat = "$n",
+          .NegMoneyFormat = "($n)",
           .ShortMonthNames = {"Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"},
           .LongMonthNames = {"January", "February", "March", "April", "May", "June", "July", "August", "September",
                              "October", "November", "December"},
@@ -222,6 +233,7 @@ TLocaleSettings SettingsOf(const TSystemLocaleItems& items) {
   SetTimeFormats(settings, Expanded(items.TimeFormat, items.TimeFormat12));
   settings.DecimalSeparator = items.Radix.size() == 1 ? items.Radix[0] : '.';
   settings.ThousandSeparator = ThousandSeparatorOf(items.ThousandsSeparator, settings.DecimalSeparator);
+  SetMoneyFormats(settings, items.Currency);
   TakeNames(settings.ShortMonthNames, items.ShortMonths);
   TakeNames(settings.LongMonthNames, items.LongMonths);
   TakeNames(settings.ShortDayNames, items.ShortDays);

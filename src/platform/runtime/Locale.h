@@ -11,7 +11,8 @@
 //
 // What the environment says is simplified on purpose: year, month and day in the country's order with the country's
 // separator, if that is a single byte and no blank, and always four digits of the year, since texts of dates are used
-// as keys. The "C" and "POSIX" locales, an unknown one and none at all give ClassicLocale().
+// as keys. A currency stands in front of the amount, or a blank behind it, and has two decimals. The "C" and "POSIX"
+// locales, an unknown one and none at all give ClassicLocale().
 //
 // Main thread only.
 #pragma once
@@ -33,6 +34,9 @@ struct TLocaleSettings {
   std::string TimePMString;
   char DecimalSeparator = '.';
   char ThousandSeparator = ',';
+  std::string CurrencyString;  ///< "$"
+  std::string MoneyFormat;     ///< "$n": where '$' stands for CurrencyString and 'n' for the amount without its sign
+  std::string NegMoneyFormat;  ///< the same for an amount below zero: "-$n", "($n)"
   std::array<std::string, 12> ShortMonthNames;  ///< January first
   std::array<std::string, 12> LongMonthNames;
   std::array<std::string, 7> ShortDayNames;  ///< Sunday first
@@ -45,7 +49,7 @@ struct TLocaleSettings {
 /// so.
 TLocaleSettings& Locale();
 
-/// English names, M/d/yyyy, h:mm:ss AMPM, '/', ':', '.' and ','. The same on every machine.
+/// English names, M/d/yyyy, h:mm:ss AMPM, '/', ':', '.' and ',', $1.00 and ($1.00). The same on every machine.
 TLocaleSettings ClassicLocale();
 
 /// What the environment of this process asks for; ClassicLocale() if it asks for nothing that is installed.
@@ -59,6 +63,7 @@ struct TSystemLocaleItems {
   std::string TimeFormat;    ///< "%H:%M:%S", or "%r" for TimeFormat12
   std::string TimeFormat12;  ///< "%I:%M:%S %p"
   std::string AM, PM, Radix, ThousandsSeparator;
+  std::string Currency = {};  ///< a sign for its place and the text: "-$" stands before the amount, "+kr" behind it
   std::array<std::string, 12> ShortMonths, LongMonths;
   std::array<std::string, 7> ShortDays, LongDays;
 };

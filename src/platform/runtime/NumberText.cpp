@@ -16,6 +16,7 @@ namespace {
 
 constexpr std::int32_t kMaxPrecision = 15;
 constexpr std::int32_t kMaxDecimals = 18;
+constexpr std::int32_t kMaxExponentDigits = 4;
 /// Holds every number of 15 digits before and 18 behind the separator, or with an exponent.
 using TNumberBuffer = std::array<char, 64>;
 
@@ -74,6 +75,53 @@ std::string FixedText(double value, std::int32_t precision, std::int32_t decimal
   return text.append(static_cast<std::size_t>(decimals - printed), '0');
 }
 
+/// Whether exactly a half of the last of `precision` digits is left. No double has more than 767 digits.
+bool IsHalf(double value, std::int32_t precision) {
+  std::array<char, 800> buffer;
+  const auto end =
+      std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(value), std::chars_format::scientific, 767)
+          .ptr;
+  const std::string_view digits(buffer.data(), end);
+  const auto next = static_cast<std::size_t>(precision) + 1;  // behind the first digit stands the point
+  return digits[next] == '5' && digits[digits.find_first_not_of('0', next + 1)] == 'e';
+}
+
+std::string ExponentText(double value, std::int32_t precision, std::int32_t leastDigits) {
+  TNumberBuffer buffer;
+  if (IsHalf(value, precision))
+    value = std::nextafter(value, std::copysign(std::numeric_limits<double>::infinity(), value));
+  const std::string_view printed =
+      Print(buffer, value == 0 ? 0.0 : value, std::chars_format::scientific, precision - 1);
+  const std::size_t mark = printed.find('e');
+  std::string text(printed.substr(0, mark));
+  std::replace(text.begin(), text.end(), '.', Locale().DecimalSeparator);
+  const std::string_view digits =
+      printed.substr(std::min(printed.find_first_not_of('0', mark + 2), printed.size() - 1));
+  text.append("E").append(1, printed[mark + 1]);
+  return text.append(static_cast<std::size_t>(std::max(leastDigits - static_cast<std::int32_t>(digits.size()), 0)), '0')
+      .append(digits);
+}
+
+/// The digits before the decimal separator in groups of three. A text with an exponent has one of them.
+std::string NumberFormatText(double value, std::int32_t precision, std::int32_t decimals) {
+  std::string text = FixedText(value, precision, decimals);
+  const std::size_t first = text.front() == '-' ? 1 : 0;
+  const std::size_t end = std::min(text.find_first_not_of("0123456789", first), text.size());
+  if (Locale().ThousandSeparator == '\0') return text;
+  for (std::size_t at = end; at > first + 3;) text.insert(at -= 3, 1, Locale().ThousandSeparator);
+  return text;
+}
+
+std::string CurrencyText(double value, std::int32_t precision, std::int32_t decimals) {
+  std::string amount = NumberFormatText(value, precision, decimals);
+  const bool isNegative = amount.front() == '-';
+  if (isNegative) amount.erase(0, 1);
+  std::string text;
+  for (const char c : isNegative ? Locale().NegMoneyFormat : Locale().MoneyFormat)
+    text += c == '$' ? Locale().CurrencyString : c == 'n' ? amount : std::string(1, c);
+  return text;
+}
+
 /// Without blanks and without a plus sign in front of what isn't another sign.
 std::string_view NumberPart(std::string_view text) {
   text = Trimmed(text);
@@ -103,7 +151,11 @@ std::string FloatToStrF(double value, TFloatFormat format, std::int32_t precisio
   if (std::isnan(value)) return "NAN";
   if (std::isinf(value)) return value > 0 ? "INF" : "-INF";
   precision = std::clamp(precision, 1, kMaxPrecision);
-  if (format == ffFixed) return FixedText(value, precision, std::clamp(digits, 0, kMaxDecimals));
+  if (format == ffExponent) return ExponentText(value, precision, std::clamp(digits, 0, kMaxExponentDigits));
+  digits = std::clamp(digits, 0, kMaxDecimals);
+  if (format == ffFixed) return FixedText(value, precision, digits);
+  if (format == ffNumber) return NumberFormatText(value, precision, digits);
+  if (format == ffCurrency) return CurrencyText(value, precision, digits);
   return GeneralText(value == 0 ? 0.0 : value, precision);
 }
 

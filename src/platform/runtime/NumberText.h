@@ -19,9 +19,12 @@ namespace vx {
 
 /// How FloatToStrF prints.
 enum TFloatFormat : std::uint8_t {
-  ffGeneral,  ///< the shortest of 1234.5 and 1.2345E20 at the given precision; an exponent below 0.0001 and at
-              ///< 10^precision
-  ffFixed,    ///< always `digits` decimals; from 10^precision on as ffGeneral
+  ffGeneral,   ///< the shortest of 1234.5 and 1.2345E20 at the given precision; an exponent below 0.0001 and at
+               ///< 10^precision
+  ffFixed,     ///< always `digits` decimals; from 10^precision on as ffGeneral
+  ffExponent,  ///< always an exponent, with its sign and at least `digits` digits, 0 to 4: 1.50E+0015
+  ffNumber,    ///< as ffFixed, the digits before the separator in groups: 1,234.50
+  ffCurrency,  ///< as ffNumber, with the locale's currency and its way of writing what is below zero: ($1,234.50)
 };
 
 // -- To text --------------------------------------------------------------------------------------------------------
@@ -30,7 +33,7 @@ enum TFloatFormat : std::uint8_t {
 /// has no sign.
 std::string FloatToStr(double value);
 /// `precision` is the number of significant digits, 1 to 15; what lies beyond prints as zeros. `digits` is the number
-/// of decimals of ffFixed, 0 to 18. Both are brought into their range.
+/// of decimals, 0 to 18, but see ffExponent. Both are brought into their range.
 std::string FloatToStrF(double value, TFloatFormat format, std::int32_t precision, std::int32_t digits);
 std::string IntToStr(std::int64_t value);
 

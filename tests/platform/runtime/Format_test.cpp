@@ -38,6 +38,7 @@ TEST(Format, FillsPlaceholders) {
   EXPECT_EQ(Format("%d %d", {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::uint64_t>::max()}),
             "-9223372036854775808 18446744073709551615");
   EXPECT_EQ(Format("%f %.1f %.0f %g", {2, 0.25, 1.5, 0.1}), "2.00 0.3 2 0.1");
+  EXPECT_EQ(Format("%.2e %n %.0m", {1500, 1234.5, 1234.5}), "1.5E+003 1,234.50 $1,235");
   EXPECT_EQ(Format("[%5s|%-5s|%.2s]", {"éa", "éa", "éab"}), "[   éa|éa   |éa]");
   EXPECT_EQ(Format("%s", {static_cast<const char*>(nullptr)}), "");
   EXPECT_EQ(Format("%s%s", {"%s", "%d%n%1:s"}), "%s%d%n%1:s");  // an argument is no format
@@ -64,7 +65,7 @@ TEST(Format, HostileFormatsRaiseAndQuoteThemselves) {
   };
   for (const char* cut : {"a%", "%0:", "%-", "%5."})
     EXPECT_EQ(ErrorOf(cut, {"x", 1}), "Format '" + std::string(cut) + "': a placeholder without its letter");
-  for (const std::string letter : {"q", "n", "*", "\xFF"})
+  for (const std::string letter : {"q", "k", "*", "\xFF"})
     EXPECT_EQ(ErrorOf("%" + letter, {"x"}), "Format '%" + letter + "': unknown letter '" + letter + "'");
   for (const auto& each : cases)
     EXPECT_EQ(ErrorOf(each.format, {"x", 1}), "Format '" + std::string(each.format) + "': " + each.wrong);

@@ -72,6 +72,38 @@ TEST_F(NumberText, PrintsDecimals) {
   EXPECT_EQ(FloatToStrF(1.5, ffFixed, 15, 3), "1,500");
 }
 
+TEST_F(NumberText, PrintsExponentsGroupsAndMoney) {
+  struct TCase {
+    double value;
+    TFloatFormat format;
+    std::int32_t precision, digits;
+    const char* text;
+  };
+  constexpr TCase kCases[] = {{1e15, ffExponent, 3, 4, "1.00E+0015"},
+                              {0, ffExponent, 1, 0, "0E+0"},
+                              {2.5e15, ffExponent, 1, 0, "3E+15"},
+                              {-0.125, ffExponent, 2, 0, "-1.3E-1"},
+                              {9.5, ffExponent, 1, 0, "1E+1"},
+                              {5e-324, ffExponent, 1, 3, "5E-324"},
+                              {-1.25e-7, ffExponent, 2, 2, "-1.2E-07"},
+                              {1.7e308, ffExponent, 40, 9, "1.70000000000000E+0308"},
+                              {999, ffNumber, 15, 0, "999"},
+                              {-1000, ffNumber, 15, 1, "-1,000.0"},
+                              {123456789012345, ffNumber, 15, 1, "123,456,789,012,345.0"},
+                              {1e15, ffNumber, 15, 2, "1E15"},
+                              {-1e20, ffNumber, 15, 2, "-1E20"},
+                              {1234.5, ffCurrency, 15, 2, "$1,234.50"},
+                              {-1234.5, ffCurrency, 15, 0, "($1,235)"},
+                              {-0.001, ffCurrency, 15, 2, "$0.00"}};
+  for (const TCase& c : kCases) EXPECT_EQ(FloatToStrF(c.value, c.format, c.precision, c.digits), c.text) << c.value;
+  TSystemLocaleItems items;
+  items.Radix = ",";
+  items.Currency = "+\u20AC";
+  Locale() = SettingsOf(items);
+  EXPECT_EQ(FloatToStrF(-1234.5, ffCurrency, 15, 2), "-1.234,50 \u20AC");
+  EXPECT_EQ(FloatToStrF(1.5, ffExponent, 2, 0), "1,5E+0");
+}
+
 TEST_F(NumberText, ReadsWholeTexts) {
   struct TCase {
     const char* text;

@@ -1,0 +1,32 @@
+#include "platform/system/ShowMessage.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+
+namespace vx {
+namespace {
+
+TMessageShower& Shower() {
+  static TMessageShower shower;
+  return shower;
+}
+
+/// A carriage return alone would write a line over the one before.
+void Print(std::string text) {
+  std::replace(text.begin(), text.end(), '\r', '\n');
+  std::fprintf(stderr, "%s\n", text.c_str());
+}
+
+}  // namespace
+
+void ShowMessage(const std::string& text) {
+  if (const TMessageShower shower = Shower())
+    shower(text);
+  else
+    Print(text);
+}
+
+TMessageShower SetMessageShower(TMessageShower shower) { return std::exchange(Shower(), std::move(shower)); }
+
+}  // namespace vx
