@@ -353,7 +353,7 @@ std::vector<TWrittenColumn> WrittenColumns(const TQuery& query, const TColumnPla
 }  // namespace
 
 void RunBucket(const TBucketOptions& options, const TStreams& streams) {
-  TResult result(options.output, options.input, streams);
+  TResult result(options.output, PathsOf(options.input), streams);
   TInputs inputs(options.input, streams);
   TCsvSource& source = inputs.Source();
   TQuery query = ResolveColumns(options, source.Headings());

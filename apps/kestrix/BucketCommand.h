@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "Command.h"
 #include "Folding.h"
 #include "Inputs.h"
 #include "TableWriter.h"
@@ -42,6 +43,8 @@ struct TBucketOptions {
   std::string output;  ///< a file; standard output if empty or "-"
 };
 
+/// The command's options; see BucketOptions.cpp.
+TRunCommand AddBucket(CLI::App& app);
 /// Raises EUserError and EInterrupted.
 void RunBucket(const TBucketOptions& options, const TStreams& streams);
 

@@ -110,7 +110,7 @@ TOwned<TChart> MakeChart(const TFoldedChart& folded, const TChartOptions& option
 
 void RunChart(const TChartOptions& options, const TStreams& streams) {
   const TPictureKind kind = KindOfOutput(options.output);
-  TResult result(options.output, options.input, streams);
+  TResult result(options.output, PathsOf(options.input), streams);
   TInputs inputs(options.input, streams);
   TCsvSource& source = inputs.Source();
   const std::vector<std::string>& headings = source.Headings();

@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "ChartData.h"
+#include "Command.h"
 #include "Inputs.h"
 #include "platform/canvas/Geometry.h"
 #include "platform/chart/Chart.h"
@@ -32,6 +33,8 @@ struct TChartOptions {
   std::string output;
 };
 
+/// The command's options; see ChartOptions.cpp.
+TRunCommand AddChart(CLI::App& app);
 /// Raises EUserError and EInterrupted.
 void RunChart(const TChartOptions& options, const TStreams& streams);
 

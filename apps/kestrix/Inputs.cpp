@@ -42,9 +42,9 @@ std::vector<std::string> PathsOf(const TInputOptions& options) {
   return options.files.empty() ? std::vector<std::string>{kStandardInput} : options.files;
 }
 
-TResult::TResult(const std::string& path, const TInputOptions& inputs, const TStreams& streams)
+TResult::TResult(const std::string& path, const std::vector<std::string>& inputs, const TStreams& streams)
     : streams_(streams), path_(path), isFile_(!path.empty() && path != kStandardInput) {
-  if (isFile_) CheckOutput(path_, PathsOf(inputs));
+  if (isFile_) CheckOutput(path_, inputs);
 }
 
 void TResult::Finish() {

@@ -60,8 +60,9 @@ std::vector<std::string> PathsOf(const TInputOptions& options);
 /// Where a command's result goes: to a file, which gets it whole or not at all, or to standard output.
 class TResult {
  public:
-  /// `path` is a file, or standard output if it is empty or "-". Raises EUserError if nothing can be written there.
-  TResult(const std::string& path, const TInputOptions& inputs, const TStreams& streams);
+  /// `path` is a file, or standard output if it is empty or "-". Raises EUserError if nothing can be written there, or
+  /// if it is one of the inputs.
+  TResult(const std::string& path, const std::vector<std::string>& inputs, const TStreams& streams);
 
   std::ostream& Out() { return isFile_ ? file_ : streams_.out; }
   /// Ends the command. Raises EUserError if not all could be written.

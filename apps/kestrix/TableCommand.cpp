@@ -150,7 +150,7 @@ std::vector<TColumnStats> CollectStats(const TQuery& query, TQueryCursor& cursor
 }  // namespace
 
 void RunTable(const TTableOptions& options, const TStreams& streams) {
-  TResult result(options.output, options.input, streams);
+  TResult result(options.output, PathsOf(options.input), streams);
   TInputs inputs(options.input, streams);
   const TColumnPlan plan = PlanColumns(inputs.Source(), options.input.wishes);
   const TQuery query = ResolveQuery(options, inputs.Source().Headings(), plan);

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "Command.h"
 #include "Inputs.h"
 #include "TableWriter.h"
 
@@ -27,6 +28,8 @@ struct TTableOptions {
   std::string output;  ///< a file; standard output if empty or "-"
 };
 
+/// The command's options; see TableOptions.cpp.
+TRunCommand AddTable(CLI::App& app);
 /// Raises EUserError and EInterrupted.
 void RunTable(const TTableOptions& options, const TStreams& streams);
 

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "Interrupt.h"
+#include "JsonText.h"
 #include "UserError.h"
 #include "platform/runtime/Text.h"
 
@@ -128,32 +129,6 @@ class TSeparatedWriter : public ITableWriter {
 };
 
 // -- JSON -------------------------------------------------------------------------------------------------------------
-
-std::string JsonEscape(unsigned char c) {
-  switch (c) {
-    case '"':
-      return "\\\"";
-    case '\\':
-      return "\\\\";
-    case '\n':
-      return "\\n";
-    case '\r':
-      return "\\r";
-    case '\t':
-      return "\\t";
-    default:
-      break;
-  }
-  constexpr std::string_view kHex = "0123456789abcdef";
-  if (c < 0x20) return {'\\', 'u', '0', '0', kHex[c >> 4u], kHex[c & 15u]};
-  return {static_cast<char>(c)};
-}
-
-std::string JsonText(std::string_view text) {
-  std::string json = "\"";
-  for (const char c : text) json += JsonEscape(static_cast<unsigned char>(c));
-  return json + "\"";
-}
 
 std::string JsonValue(const TCellValue& value) {
   if (IsNull(value)) return "null";

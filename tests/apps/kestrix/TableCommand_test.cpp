@@ -149,18 +149,5 @@ TEST(TableCommand, TellsWhatItCannotFind) {
   }
 }
 
-TEST(CommandLine, HelpsWithExamples) {
-  for (const char* arguments : {"--help", "table --help", "bucket --help", "chart --help"}) {
-    const TRun run = RunProgram(arguments);
-    EXPECT_EQ(run.code, kSuccess);
-    EXPECT_NE(run.out.find("Examples:"), std::string::npos) << run.out;
-    EXPECT_EQ(run.err, "");
-  }
-  EXPECT_EQ(RunProgram("--version").out, "kestrix " KESTRIX_VERSION "\n");
-  EXPECT_EQ(RunProgram("").err, "kestrix: a command is missing: table, bucket or chart; see kestrix --help\n");
-  EXPECT_EQ(RunProgram("bucket chart").err, "kestrix: chart: cannot be read: No such file or directory\n");
-  EXPECT_EQ(RunProgram("tabel").err, "kestrix: no command \"tabel\"; did you mean \"table\"?\n");
-}
-
 }  // namespace
 }  // namespace vx::kestrix
