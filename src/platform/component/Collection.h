@@ -25,6 +25,7 @@
 
 #include <cstdint>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "platform/component/MemoryKeeper.h"
@@ -164,13 +165,19 @@ template <class Item>
 class TCollectionOf : public TCollection {
  public:
   TCollectionOf() : TCollection(TClassOf<TCollectionItem>::Of<Item>()) {
-    static_assert(&Item::StaticClass != &TCollectionItem::StaticClass, "an item class needs its own class info");
+    // Compared as types: g++ under the sanitizers doesn't take a comparison of the addresses for a constant.
+    static_assert(!std::is_same_v<TMaker<&Item::StaticClass>, TMaker<&TCollectionItem::StaticClass>>,
+                  "an item class needs its own class info");
   }
 
   Item* Items(std::int32_t index) const { return static_cast<Item*>(TCollection::Items(index)); }
   Item* FindItemID(std::int32_t id) const { return static_cast<Item*>(TCollection::FindItemID(id)); }
   Item* Add() { return static_cast<Item*>(TCollection::Add()); }
   Item* Insert(std::int32_t index) { return static_cast<Item*>(TCollection::Insert(index)); }
+
+ private:
+  template <const TClass& (*)()>
+  struct TMaker {};
 };
 
 }  // namespace vx

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <unordered_map>
 #include <utility>
 
 #include "platform/component/NameTable.h"
@@ -141,8 +142,8 @@ class TComponent::TChildren {
     TComponent** Find(std::string_view name) {
       return first.Find(HashOf(name), [name](const TComponent* each) { return IsSameName(each->name_, name); });
     }
-    TNameTable<TComponent*> first;  // of each name
-    std::size_t others = 0;         // further ones of a name, where the owner permits that
+    TNameTable<TComponent*> first;                           // of each name
+    std::unordered_map<std::uint64_t, std::size_t> further;  // ones of its hash, where the owner permits that
   };
 
   static constexpr std::size_t kFew = 16;  // so many are walked over to find a name
@@ -212,8 +213,8 @@ void TComponent::TChildren::PutName(TComponent& component) {
   if (component.name_.empty()) return;
   TComponent** const there = names_->Find(component.name_);
   if (there == nullptr) return names_->first.Add(names_->HashOf(component.name_), &component);
+  ++names_->further[names_->HashOf(component.name_)];
   if (TByOrder()(&component, *there)) *there = &component;
-  ++names_->others;
 }
 
 /// The component bears its name already. Without memory for an index names are found by a walk.
@@ -232,17 +233,19 @@ void TComponent::TChildren::AddName(TComponent& component) noexcept {
 void TComponent::TChildren::RemoveName(TComponent& component) noexcept {
   if (names_ == nullptr || component.name_.empty()) return;
   TComponent** const there = names_->Find(component.name_);
-  if (*there != &component) {
-    --names_->others;
-    return;
-  }
-  if (names_->others > 0) {
+  const auto further =
+      names_->further.empty() ? names_->further.end() : names_->further.find(names_->HashOf(component.name_));
+  const auto dropFurther = [&] {
+    if (--further->second == 0) names_->further.erase(further);
+  };
+  if (*there != &component) return dropFurther();
+  if (further != names_->further.end()) {
     const auto end = std::as_const(items_).end();
     const auto next = std::find_if(Begin(), end, [&component](const TComponent* each) {
       return each != &component && IsSameName(each->name_, component.name_);
     });
     if (next != end) {
-      --names_->others;
+      dropFurther();
       *there = *next;
       return;
     }
@@ -565,6 +568,7 @@ void TLoading::Finish() {
   EndReading();
   TComponent* const component = link_.Component();
   if (component == nullptr) return;
+  const TMemoryKeeper<TComponent> keep(component);
   component->Loaded();
   if (link_.Component() != nullptr) component->state_.Exclude(csLoading);  // also where Loaded forgot the inherited one
 }

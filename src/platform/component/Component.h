@@ -8,6 +8,15 @@
 //   table->SetName("Orders");
 //   form->FindComponent("orders");                  // table
 //
+// A class of one's own says what it is; with that it can be cast, listed, and once registered, read from a stream:
+//
+//   class TBell : public TComponent {
+//    public:
+//     using TComponent::TComponent;
+//     static const TClass& StaticClass();                          // built next to the implementation: Published.h
+//     const TClass& ClassType() const override { return StaticClass(); }
+//   };
+//
 // Freeing. TearDown() works in this order: the component and all it owns are marked csDestroying; everyone who asked by
 // FreeNotification() is told (opRemove), the latest first; weak references become null; owned components are freed,
 // last to first, those that refuse too; the component leaves its owner, who is told as well. Notifications may free,
@@ -134,6 +143,7 @@ class TComponent : public TPersistent {
 
  private:
   friend class TLoading;
+  friend class TWriting;
   friend class TComponentLink;
   friend class TMemoryKeeper<TComponent>;
 
@@ -205,6 +215,21 @@ class TLoading {
 
  private:
   TComponentLink link_;
+};
+
+/// What a stream holds while it writes a component, whose memory is kept as long: csWriting.
+class TWriting {
+ public:
+  explicit TWriting(TComponent& component) : component_(component), was_(component.Is(csWriting)) {
+    component.state_.Include(csWriting);
+  }
+  TWriting(const TWriting&) = delete;
+  TWriting& operator=(const TWriting&) = delete;
+  ~TWriting() { component_.state_.Put(csWriting, was_); }
+
+ private:
+  TComponent& component_;
+  bool was_;
 };
 
 /// A reference that never dangles: null once its component is torn down. T is a component class, or an interface that

@@ -25,20 +25,13 @@ std::string ComponentToText(TComponent& root) { return BinaryToText(ComponentToB
 
 TOwned<TComponent> BinaryToComponent(std::string_view stream, const TStreamOptions& options) {
   TStreamPlan plan(stream, nullptr, options);
-  auto* const root = Cast<TComponent>(plan.Objects()[0].Shape->Type().Factory()());
-  const TComponentLink link(root);  // a setter may free even the root
-  try {
-    TStreamLoad(plan, *root).Run();
-  } catch (...) {
-    if (TComponent* const made = link.Component()) made->FreeAnyway();
-    throw;
-  }
-  return TOwned<TComponent>(link.Component());
+  TStreamLoad(plan, nullptr).Run();
+  return TOwned<TComponent>(plan.Objects()[0].Loading.Component());
 }
 
 void BinaryIntoComponent(std::string_view stream, TComponent& root, const TStreamOptions& options) {
   TStreamPlan plan(stream, &root, options);
-  TStreamLoad(plan, root).Run();
+  TStreamLoad(plan, &plan.Root()).Run();
 }
 
 TOwned<TComponent> TextToComponent(std::string_view text, const TStreamOptions& options) {

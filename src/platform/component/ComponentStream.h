@@ -13,6 +13,7 @@
 //     object Table1: TVXRAMTable
 //       FieldDefs = <
 //         item
+//           ByteSize = 8
 //           DataType = vxrftDateTime
 //           Name = 'Due'
 //         end>

@@ -2,6 +2,7 @@
 
 #include <limits>
 
+#include "platform/component/Component.h"
 #include "platform/component/NameTable.h"
 #include "platform/runtime/Strings.h"
 
@@ -316,6 +317,7 @@ void WriteStrings(const TStrings& strings, TWriter& writer) {
 }  // namespace
 
 void TFiler::Define(TPersistent& object, TFiler& filer) {
+  const TMemoryKeeper<TComponent> keep(As<TComponent>(&object));  // one of its functions may free it
   if (auto* const strings = As<TStrings>(&object))
     filer.DefineProperty(
         "Strings", [strings](TReader& reader) { ReadStrings(*strings, reader); },

@@ -25,6 +25,8 @@
 //     1
 //     2)
 //
+// DefineProperties is asked for reading and for writing alike: it names, and the functions do the work.
+//
 // What a function reads is within its property: asking for another kind of value, or beyond the end, raises EReadError
 // with the place; what it leaves is passed over. What a function writes must be one value.
 //
@@ -67,6 +69,8 @@ class TReader {
   std::string ReadIdent();
   std::vector<std::string> ReadSet();
   std::string ReadBinary();
+  /// A number, a text, True, False, Null, Unassigned, or a list that begins with the name of a kind: (Date 45351.5),
+  /// (Array 1 'two').
   Variant ReadVariant();
 
   void ReadListBegin();

@@ -29,6 +29,12 @@
 //   char                                  tkChar (ordinal)                Variant           tkVariant
 //   TSetOf<a registered enumeration>      tkSet (ordinal: its bits)       double, float     tkFloat
 //
+// What a T* holds follows from T. A component is referred to; who refers to it must not touch it once it is gone
+// (TComponentRef in Component.h). Any other object is a part: a TOwned<T> that the class makes for itself and publishes
+// by its getter alone. A stream writes a reference as a name, of a part the properties, of a collection the items.
+//
+// An ordinal without a declared default is always written to a stream, other values where they aren't empty.
+//
 // Errors. An unknown name, a property of another kind, a write to a read-only one, a text that names no member and a
 // number outside the type raise EPropertyError, which names class, property and value. What a setter raises passes
 // through.
@@ -105,8 +111,9 @@ struct TPropInfo {
   std::function<void(TObject&, const TPropValue&)> Set;  ///< empty for a read-only property
   std::function<bool(TObject&)> Stored;                  ///< empty: always
   std::optional<TPropValue> Default;
-  bool IsSingle = false;  ///< of tkFloat: a float, which takes no finite number beyond its range
-  bool Hidden = false;    ///< known to descendants, which may publish it; not listed itself
+  bool IsSingle = false;     ///< of tkFloat: a float, which takes no finite number beyond its range
+  bool NeverStored = false;  ///< no stream keeps it, whatever the object
+  bool Hidden = false;       ///< known to descendants, which may publish it; not listed itself
 
   std::string TypeName() const;
   bool IsOrdinal() const;
@@ -366,13 +373,17 @@ class TClassBuilder {
     Last().Default.reset();
     return *this;
   }
+  /// Whether a stream keeps the property where it differs from its default: always (as without this), or never.
   TClassBuilder& Stored(bool always) {
-    Last().Stored = [always](TObject&) { return always; };
+    Last().NeverStored = !always;
+    Last().Stored = nullptr;
+    if (!always) Last().Stored = [](TObject&) { return false; };
     return *this;
   }
-  /// A member function that answers bool.
+  /// Whether it does is up to the object: a const member function, or a callable of T&, that answers bool.
   template <class Rule>
   requires(std::is_invocable_r_v<bool, Rule&, T&>) TClassBuilder& Stored(Rule rule) {
+    Last().NeverStored = false;
     Last().Stored = [rule, name = Last().Name](TObject& object) {
       return static_cast<bool>(std::invoke(rule, published::Self<T>(object, name)));
     };

@@ -6,11 +6,11 @@
 
 namespace vx {
 
-TStreamLoad::TStreamLoad(TStreamPlan& plan, TComponent& root) : plan_(plan), cursor_(plan.Begin()), root_(root) {}
+TStreamLoad::TStreamLoad(TStreamPlan& plan, TComponent* root) : plan_(plan), cursor_(plan.Begin()), root_(root) {}
 
 void TStreamLoad::Run() {
   try {
-    Object(nullptr);
+    Object();
     References();
     for (const std::uint32_t each : ended_) {
       at_ = {each, plan_.Objects()[each].Properties, "Loaded"};
@@ -19,15 +19,13 @@ void TStreamLoad::Run() {
   } catch (const EAbort&) {
     Undo();
     throw;
-  } catch (const EReadError& error) {
-    Undo();
-    throw EReadError(error.Place(), Where() + error.Reason() + Before());
   } catch (const std::bad_alloc&) {
     Undo();
     throw;
   } catch (const std::exception& error) {
     Undo();
-    throw EReadError(TStreamPlace{at_.Offset}, Where() + error.what() + Before());
+    const auto [offset, reason] = PlacedReason(error, at_.Offset, cursor_.Offset());
+    throw EReadError(TStreamPlace{offset}, Where() + reason + Before());
   } catch (...) {
     Undo();
     throw;
@@ -46,8 +44,8 @@ std::string TStreamLoad::Before() const {
                            : made_ == 1 ? "1 component that had been made is freed again"
                                         : std::to_string(made_) + " components that had been made are freed again";
   const std::string set =
-      rootSet_ == 0   ? ""
-      : rootSet_ == 1 ? "1 property of " + plan_.PathOf(0) + " had been set and stays"
+      rootSet_ == 0 || root_ == nullptr ? ""
+      : rootSet_ == 1                   ? "1 property of " + plan_.PathOf(0) + " had been set and stays"
                       : std::to_string(rootSet_) + " properties of " + plan_.PathOf(0) + " had been set and stay";
   if (made.empty() && set.empty()) return {};
   return " (" + made + (made.empty() || set.empty() ? "" : "; ") + set + ")";
@@ -55,35 +53,40 @@ std::string TStreamLoad::Before() const {
 
 void TStreamLoad::Undo() noexcept {
   std::vector<TStreamObject>& objects = plan_.Objects();
-  for (std::size_t i = objects.size(); i > 1; --i)
+  for (std::size_t i = objects.size(); i > (root_ == nullptr ? 0u : 1u); --i)
     if (TComponent* const component = objects[i - 1].Loading.Component()) component->FreeAnyway();
 }
 
 // -- Objects ----------------------------------------------------------------------------------------------------------
 
-void TStreamLoad::Object(TComponent* owner) {
+void TStreamLoad::Object() {
   const std::uint32_t index = next_++;
   TStreamObject& object = plan_.Objects()[index];
   at_ = {index, cursor_.Offset(), {}};
   cursor_.Identifier(false);
   const std::string_view name = cursor_.Identifier(true);
   TOwned<TComponent> made;
-  TComponent* component = &root_;
-  if (index > 0) {
-    made.reset(Cast<TComponent>(object.Shape->Type().Factory()()));
-    component = made.get();
-  }
-  object.Loading = TLoading(*component);
-  if (owner != nullptr) {
+  if (index > 0 || root_ == nullptr) {
+    made = plan_.MakeComponent(index);
     ++made_;
-    owner->InsertComponent(made.release());
   }
-  if (TComponent* const alive = object.Loading.Component(); alive != nullptr && !name.empty())
+  object.Loading = TLoading(made == nullptr ? *root_ : *made);
+  TComponent* const component = made.release();
+  if (index > 0) {
+    if (TComponent* const owner = Alive(object.Owner))  // the constructor may have freed it
+      owner->InsertComponent(component);
+    else
+      component->FreeAnyway();
+  }
+  if (TComponent* const alive = object.Loading.Component();
+      alive != nullptr && !name.empty() && alive->Name() != name) {
     alive->SetName(std::string(name));
+    CountSet();
+  }
   Properties(object.Loading.Component(), *object.Shape, TPass::Values);
   while (!cursor_.TakeEnd()) {
-    if (TComponent* const alive = object.Loading.Component())
-      Object(alive);
+    if (Alive(index) != nullptr)
+      Object();
     else
       SkipOwned();
   }
@@ -104,22 +107,28 @@ void TStreamLoad::References() {
   for (const std::uint32_t each : plan_.Referring()) {
     cursor_.Seek(plan_.Objects()[each].Properties);
     at_ = {each, cursor_.Offset(), {}};
-    Properties(plan_.Objects()[each].Loading.Component(), *plan_.Objects()[each].Shape, TPass::References);
+    Properties(Alive(each), *plan_.Objects()[each].Shape, TPass::References);
   }
 }
 
 // -- Properties -------------------------------------------------------------------------------------------------------
 
-bool TStreamLoad::IsAlive() const { return plan_.Objects()[at_.Object].Loading.Component() != nullptr; }
+TComponent* TStreamLoad::Alive(std::uint32_t object) const { return plan_.Objects()[object].Loading.Component(); }
 
-/// A null holder, and one whose component goes, has its properties passed over.
-void TStreamLoad::Properties(TPersistent* holder, TStreamShape& shape, TPass pass) {
+void TStreamLoad::Properties(TComponent* component, TStreamShape& shape, TPass pass) {
+  const TMemoryKeeper<TComponent> keep(component);  // a setter may free it
+  PropertiesWhile([this] { return Alive(at_.Object) != nullptr; }, component, shape, pass);
+}
+
+/// A null holder, and one that goes, has its properties passed over.
+template <class IsThere>
+void TStreamLoad::PropertiesWhile(IsThere&& isThere, TPersistent* holder, TStreamShape& shape, TPass pass) {
   std::int32_t expected = 0;
   for (;;) {
     const std::size_t begin = cursor_.Offset();
     const std::string_view path = cursor_.Path(true);
     if (path.empty()) return;
-    if (holder == nullptr || !IsAlive()) {
+    if (holder == nullptr || !isThere()) {
       holder = nullptr;
       cursor_.SkipValue();
       continue;
@@ -175,25 +184,39 @@ void TStreamLoad::Items(TPersistent& holder, TStreamShape& shape, std::int32_t p
   auto* const collection = As<TCollection>(std::get<TObject*>(info.Get(holder)));
   TStreamShape* const items = shape.Items(prop);
   if (collection == nullptr || items == nullptr) throw EInvalidOperation("the collection is missing");
+  const TMemoryKeeper<TCollection> keep(collection);  // whatever a setter of an item does
   cursor_.Begin(skCollection);
   if (pass == TPass::References) {
     for (std::int32_t i = 0; cursor_.TakeItem(); ++i)
-      Properties(i < collection->Count() ? collection->Items(i) : nullptr, *items, pass);
+      Item(*collection, i < collection->Count() ? collection->Items(i) : nullptr, i, *items, pass);
     return;
   }
-  struct TBracket {
-    explicit TBracket(TCollection& bracketed) : collection(bracketed) { collection.BeginUpdate(); }
-    TBracket(const TBracket&) = delete;
-    TBracket& operator=(const TBracket&) = delete;
-    ~TBracket() noexcept(false) { collection.EndUpdate(); }
-    TCollection& collection;
-  };
-  {
-    const TBracket bracket(*collection);
+  collection->BeginUpdate();
+  try {
     collection->Clear();
-    while (cursor_.TakeItem()) Properties(collection->Add(), *items, pass);
+    while (cursor_.TakeItem()) {
+      TCollectionItem* const item = Alive(at_.Object) == nullptr ? nullptr : collection->Add();
+      Item(*collection, item, collection->Count() - 1, *items, pass);
+    }
+  } catch (...) {
+    collection->EndUpdate();
+    throw;
   }
+  collection->EndUpdate();
   CountSet();
+}
+
+/// A setter may free the item, or make it another's: then it isn't touched any more.
+void TStreamLoad::Item(TCollection& collection, TCollectionItem* item, std::int32_t index, TStreamShape& shape,
+                       TPass pass) {
+  const auto isThere = [&collection, item, index, this] {
+    if (Alive(at_.Object) == nullptr) return false;
+    if (index < collection.Count() && collection.Items(index) == item) return true;
+    for (std::int32_t i = collection.Count() - 1; i >= 0; --i)
+      if (collection.Items(i) == item) return true;
+    return false;
+  };
+  PropertiesWhile(isThere, item, shape, pass);
 }
 
 // -- Values -----------------------------------------------------------------------------------------------------------
@@ -204,7 +227,7 @@ TPropValue TStreamLoad::ReferenceTo() {
   if (IsSameName(path, "nil")) return static_cast<TObject*>(nullptr);
   const TStreamTarget& target = plan_.TargetAt(begin);
   TComponent* const component =
-      target.Object >= 0 ? plan_.Objects()[static_cast<std::size_t>(target.Object)].Loading.Component() : target.Live;
+      target.Object >= 0 ? Alive(static_cast<std::uint32_t>(target.Object)) : target.Live.Component();
   if (component == nullptr) throw EInvalidOperation("the component " + std::string(path) + " is gone");
   return static_cast<TObject*>(component);
 }

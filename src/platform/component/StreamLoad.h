@@ -15,7 +15,8 @@ namespace vx {
 
 class TStreamLoad {
  public:
-  TStreamLoad(TStreamPlan& plan, TComponent& root);
+  /// Makes the root too, if `root` is null; it stands with the other objects of the plan then.
+  TStreamLoad(TStreamPlan& plan, TComponent* root);
   /// Once. Raises EReadError; see ComponentStream.h for what is left then.
   void Run();
 
@@ -30,11 +31,14 @@ class TStreamLoad {
   std::string Where() const;
   std::string Before() const;
   void Undo() noexcept;
-  void Object(TComponent* owner);
+  void Object();
   void SkipOwned();
   void References();
-  bool IsAlive() const;
-  void Properties(TPersistent* holder, TStreamShape& shape, TPass pass);
+  TComponent* Alive(std::uint32_t object) const;
+  void Properties(TComponent* component, TStreamShape& shape, TPass pass);
+  template <class IsThere>
+  void PropertiesWhile(IsThere&& isThere, TPersistent* holder, TStreamShape& shape, TPass pass);
+  void Item(TCollection& collection, TCollectionItem* item, std::int32_t index, TStreamShape& shape, TPass pass);
   std::int32_t Property(TPersistent& holder, TStreamShape& shape, std::string_view path, std::int32_t expected,
                         TPass pass);
   void Set(TPersistent& holder, const TPropInfo& info, const TPropValue& value);
@@ -45,7 +49,7 @@ class TStreamLoad {
 
   TStreamPlan& plan_;
   TStreamCursor cursor_;
-  TComponent& root_;
+  TComponent* root_;                  // used to begin with only: a setter may free it
   std::uint32_t next_ = 0;            // position of the next object
   std::vector<std::uint32_t> ended_;  // objects in the order of their ends
   TPoint at_;                         // what is being worked at, for messages

@@ -2,8 +2,10 @@
 
 #include <cmath>
 #include <limits>
+#include <new>
 
 #include "platform/component/Filer.h"
+#include "platform/runtime/Strings.h"
 
 namespace vx {
 
@@ -45,6 +47,13 @@ class TGiven {
 
 }  // namespace
 
+TPlacedReason PlacedReason(const std::exception& error, std::size_t begin, std::size_t end) {
+  const auto* const ours = dynamic_cast<const EReadError*>(&error);
+  if (ours == nullptr || ours->Place().Line != 0 || ours->Place().Offset < begin || ours->Place().Offset > end)
+    return {begin, error.what()};
+  return {static_cast<std::size_t>(ours->Place().Offset), ours->Reason()};
+}
+
 // -- The check --------------------------------------------------------------------------------------------------------
 
 class TStreamCheck {
@@ -52,9 +61,20 @@ class TStreamCheck {
   TStreamCheck(TStreamPlan& plan, TStreamCursor& cursor) : plan_(plan), cursor_(cursor) {}
 
   void Run() {
-    Object(nullptr, 0);
-    cursor_.ExpectEnd();
-    for (TStreamPlan::TReference& reference : plan_.references_) Resolve(reference);
+    try {
+      Object(nullptr, 0);
+      cursor_.ExpectEnd();
+      for (TStreamPlan::TReference& reference : plan_.references_) Resolve(reference);
+      if (plan_.isInto_) plan_.Root();
+    } catch (const EReadError&) {
+      throw;
+    } catch (const EAbort&) {
+      throw;
+    } catch (const std::bad_alloc&) {
+      throw;
+    } catch (const std::exception& error) {  // of application code
+      Fail(at_, error.what());
+    }
   }
 
  private:
@@ -74,16 +94,17 @@ class TStreamCheck {
   }
 
   TStreamShape& RootShape(std::size_t offset, std::string_view className) {
-    if (plan_.root_ == nullptr) return ShapeOf(offset, className);
-    for (const TClass* type = &plan_.root_->ClassType(); type != nullptr; type = type->Ancestor())
-      if (IsSameName(type->Name(), className)) return plan_.shapes_.OfRoot(*plan_.root_);
-    Fail(offset, "the stream holds a " + std::string(className) + ", which " + plan_.root_->GetNamePath() + ", a " +
-                     plan_.root_->ClassName() + ", is not");
+    if (!plan_.isInto_) return ShapeOf(offset, className);
+    TComponent& root = plan_.Root();
+    for (const TClass* type = &root.ClassType(); type != nullptr; type = type->Ancestor())
+      if (IsSameName(type->Name(), className)) return plan_.shapes_.OfRoot(root);
+    Fail(offset, "the stream holds a " + std::string(className) + ", which " + root.GetNamePath() + ", a " +
+                     root.ClassName() + ", is not");
   }
 
   void Object(const TStreamShape* owner, std::uint32_t ownerIndex) {
     const TStreamCursor::TDeeper deeper(cursor_);
-    const std::size_t begin = cursor_.Offset();
+    const std::size_t begin = at_ = cursor_.Offset();
     const std::string_view className = cursor_.Identifier(false);
     TStreamShape& shape = owner == nullptr ? RootShape(begin, className) : ShapeOf(begin, className);
     const std::size_t nameOffset = cursor_.Offset();
@@ -102,11 +123,11 @@ class TStreamCheck {
     const bool isRoot = index == 0;
     bool isFree = true;
     if (!isRoot) isFree = plan_.Enter(index);
-    if (plan_.root_ != nullptr && isRoot && plan_.root_->Owner() != nullptr) {
-      const TComponent* const other = plan_.root_->Owner()->FindComponent(name);
-      isFree = other == nullptr || other == plan_.root_;
-    } else if (plan_.root_ != nullptr && !isRoot && object.Owner == 0) {
-      isFree = isFree && plan_.root_->FindComponent(name) == nullptr;
+    if (plan_.isInto_ && isRoot && plan_.Root().Owner() != nullptr) {
+      const TComponent* const other = plan_.Root().Owner()->FindComponent(name);
+      isFree = other == nullptr || other == &plan_.Root();
+    } else if (plan_.isInto_ && !isRoot && object.Owner == 0) {
+      isFree = isFree && plan_.Root().FindComponent(name) == nullptr;
     }
     if (!isFree) Fail(offset, "a component named " + std::string(name) + " already exists");
   }
@@ -115,7 +136,7 @@ class TStreamCheck {
     TGiven given;
     std::int32_t expected = 0;
     for (;;) {
-      const std::size_t begin = cursor_.Offset();
+      const std::size_t begin = at_ = cursor_.Offset();
       const std::string_view path = cursor_.Path(true);
       if (path.empty()) return;
       const bool isSimple = path.find('.') == std::string_view::npos;
@@ -152,11 +173,13 @@ class TStreamCheck {
     cursor_.SkipValue();
     try {
       shape.Rehearse(name, plan_.Stream(), begin);
-    } catch (const EReadError& error) {
-      Fail(static_cast<std::size_t>(error.Place().Offset),
-           shape.Type().Name() + "." + std::string(name) + ": " + error.Reason());
-    } catch (const Exception& error) {
-      Fail(begin, shape.Type().Name() + "." + std::string(name) + ": " + error.Message());
+    } catch (const EAbort&) {
+      throw;
+    } catch (const std::bad_alloc&) {
+      throw;
+    } catch (const std::exception& error) {
+      const auto [offset, reason] = PlacedReason(error, begin, cursor_.Offset());
+      Fail(offset, shape.Type().Name() + "." + std::string(name) + ": " + reason);
     }
   }
 
@@ -169,7 +192,8 @@ class TStreamCheck {
     const TPropInfo& info = *known.Info;
     if (known.Role == TStreamRole::Collection) return Items(shape, index, prop);
     if (known.Role == TStreamRole::Part)
-      Fail(begin, NameOf(shape, info) + " is an object: give its properties, as " + info.Name + ".Name");
+      Fail(begin, NameOf(shape, info) + " is an object: give its properties, as " + info.Name +
+                      (info.Class().InheritsFrom(TStrings::StaticClass()) ? ".Strings" : ".Name"));
     if (info.IsReadOnly()) Fail(begin, NameOf(shape, info) + " is read-only");
     if (known.Role == TStreamRole::Event) return Handler(shape, info);
     if (known.Role == TStreamRole::Reference) return Reference(shape, index, info);
@@ -212,6 +236,7 @@ class TStreamCheck {
   }
 
   void Resolve(TStreamPlan::TReference& reference) {
+    at_ = reference.Offset;
     const TStreamTarget& target = reference.Target = plan_.Find(reference.Path);
     if (!target.IsFound()) Fail(reference.Offset, "there is no component " + std::string(reference.Path));
     const TClass& type = *plan_.ClassOf(target);
@@ -271,7 +296,7 @@ class TStreamCheck {
   void Float(const TStreamShape& shape, const TPropInfo& info) {
     const std::size_t begin = cursor_.Offset();
     const double value = cursor_.Peek() == skDouble ? cursor_.Double() : static_cast<double>(cursor_.Int());
-    if (info.TypeName() == "Single" && std::isfinite(value) && std::fabs(value) > std::numeric_limits<float>::max())
+    if (info.IsSingle && std::isfinite(value) && std::fabs(value) > std::numeric_limits<float>::max())
       Fail(begin, "the number is out of the range of " + NameOf(shape, info) + " (Single)");
   }
 
@@ -292,6 +317,7 @@ class TStreamCheck {
 
   TStreamPlan& plan_;
   TStreamCursor& cursor_;
+  std::size_t at_ = 0;  // of what is being checked
   TStreamShape* lastShape_ = nullptr;
 };
 
@@ -299,6 +325,7 @@ class TStreamCheck {
 
 TStreamPlan::TStreamPlan(std::string_view stream, TComponent* root, const TStreamOptions& options)
     : stream_(stream.substr(0, static_cast<std::size_t>(TStreamCursor::SizeOf(stream)))),
+      isInto_(root != nullptr),
       root_(root),
       options_(options) {
   TStreamCursor cursor(stream);
@@ -311,6 +338,12 @@ TStreamCursor TStreamPlan::Begin() const {
   TStreamCursor cursor(stream_);
   cursor.Seek(begin_);
   return cursor;
+}
+
+TComponent& TStreamPlan::Root() const {
+  TComponent* const root = root_.Component();
+  if (root == nullptr) throw EReadError(TStreamPlace{begin_}, "the component that is read into has been freed");
+  return *root;
 }
 
 /// False if its owner has another component of that name.
@@ -337,8 +370,8 @@ TStreamTarget TStreamPlan::FindBelowRoot(std::string_view path) const {
   std::int64_t at = 0;
   std::string_view rest = path;
   while (at >= 0 && !rest.empty()) at = Child(static_cast<std::uint32_t>(at), TakeFirst(rest));
-  if (at >= 0) return {at, nullptr};
-  return {-1, FindLive(root_, path)};
+  if (at >= 0) return {at};
+  return {-1, TComponentLink(FindLive(root_.Component(), path))};
 }
 
 TStreamTarget TStreamPlan::Find(std::string_view path) const {
@@ -347,7 +380,7 @@ TStreamTarget TStreamPlan::Find(std::string_view path) const {
   const std::string_view first = TakeFirst(rest);
   if (IsSameName(first, objects_[0].Name)) return FindBelowRoot(rest);
   if (!options_.FindRoot) return {};
-  return {-1, FindLive(options_.FindRoot(first), rest)};
+  return {-1, TComponentLink(FindLive(options_.FindRoot(first), rest))};
 }
 
 const TStreamTarget& TStreamPlan::TargetAt(std::size_t offset) {
@@ -356,8 +389,17 @@ const TStreamTarget& TStreamPlan::TargetAt(std::size_t offset) {
 }
 
 const TClass* TStreamPlan::ClassOf(const TStreamTarget& target) const {
-  return target.Live != nullptr ? &target.Live->ClassType()
-                                : &objects_[static_cast<std::size_t>(target.Object)].Shape->Type();
+  const TComponent* const live = target.Live.Component();
+  return live != nullptr ? &live->ClassType() : &objects_[static_cast<std::size_t>(target.Object)].Shape->Type();
+}
+
+TOwned<TComponent> TStreamPlan::MakeComponent(std::uint32_t object) const {
+  const TClass& type = objects_[object].Shape->Type();
+  TOwned<TObject> made(type.Factory()());
+  auto* const component = As<TComponent>(made.get());
+  if (component == nullptr) throw EInvalidOperation("the class " + type.Name() + " has made no component");
+  static_cast<void>(made.release());
+  return TOwned<TComponent>(component);
 }
 
 std::string TStreamPlan::PathOf(std::uint32_t object) const {

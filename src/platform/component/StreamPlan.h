@@ -1,10 +1,12 @@
 // StreamPlan.h: the check of a component stream, and what it leaves for the loading. Not for users.
 //
-// The check walks the whole stream and changes nothing. It leaves a list of the objects in the order of the stream, by
-// which names are found, and the objects that hold references.
+// The check walks the whole stream and changes nothing. Application code runs in between all the same: constructors of
+// fresh objects, what they define, TStreamOptions::FindRoot. The check leaves a list of the objects in the order of the
+// stream, by which names are found, and the objects that hold references.
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,10 +28,18 @@ struct TStreamObject {
 /// What a name leads to: an object of the stream, or a component that is there already; neither if nothing is found.
 struct TStreamTarget {
   std::int64_t Object = -1;
-  TComponent* Live = nullptr;
+  TComponentLink Live = {};  // a setter may free it before it is referred to
 
-  bool IsFound() const { return Object >= 0 || Live != nullptr; }
+  bool IsFound() const { return Object >= 0 || Live.Component() != nullptr; }
 };
+
+/// What application code has raised about the bytes from `begin` to `end`: an EReadError of theirs keeps its place,
+/// that of another stream, read in between, is a message like any other.
+struct TPlacedReason {
+  std::size_t Offset;
+  std::string Reason;
+};
+TPlacedReason PlacedReason(const std::exception& error, std::size_t begin, std::size_t end);
 
 class TStreamPlan {
  public:
@@ -43,6 +53,10 @@ class TStreamPlan {
   /// Positions of the objects that hold references, in order.
   const std::vector<std::uint32_t>& Referring() const { return referring_; }
   TStreamTarget Find(std::string_view path) const;
+  /// What is read into; raises EReadError if that is gone meanwhile.
+  TComponent& Root() const;
+  /// A fresh component for that object. Passes on what its constructor raises.
+  TOwned<TComponent> MakeComponent(std::uint32_t object) const;
   /// What the reference at that offset leads to; asked in the order of the stream.
   const TStreamTarget& TargetAt(std::size_t offset);
   /// "Form1.Panel1.Bell2", with class names for the objects without a name.
@@ -66,7 +80,8 @@ class TStreamPlan {
   const TClass* ClassOf(const TStreamTarget& target) const;
 
   std::string_view stream_;
-  TComponent* root_;
+  bool isInto_;  // a root that is there already
+  TComponentLink root_;
   const TStreamOptions& options_;
   TStreamShapes shapes_;
   std::size_t begin_ = 0;

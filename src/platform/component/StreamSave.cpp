@@ -1,12 +1,22 @@
 #include <algorithm>
+#include <new>
+#include <vector>
 
 #include "platform/component/ComponentStream.h"
 #include "platform/component/Filer.h"
+#include "platform/component/NameTable.h"
 #include "platform/component/StreamShape.h"
 
 namespace vx {
 
 namespace {
+
+/// An item of a collection, where it stands.
+struct TItem {
+  const TCollection* Collection = nullptr;
+  std::int32_t Index = 0;
+  const TCollectionItem* Item = nullptr;
+};
 
 class TStreamSave {
  public:
@@ -32,31 +42,57 @@ class TStreamSave {
   /// Defined properties: those of one object, below its prefix.
   class TDefinedWriter final : public TFiler {
    public:
-    TDefinedWriter(TStreamSave& save, const std::string& prefix) : save_(save), prefix_(prefix) {}
+    TDefinedWriter(TStreamSave& save, const TStreamShape& shape, const std::string& prefix)
+        : save_(save), shape_(shape), prefix_(prefix) {}
     void DefineProperty(std::string_view name, const TReadProc&, const TWriteProc& write, bool hasData) override {
       if (!hasData) return;
       if (!IsStreamIdentifier(name)) throw EWriteError("'" + std::string(name) + "' is not a valid property name");
-      save_.property_ = name;
+      Begin(name);
       save_.Name(prefix_, name);
       TWriter writer(save_.bytes_, save_.depth_);
+      isWriting_ = true;
       write(writer);
+      isWriting_ = false;
       writer.Finish();
     }
 
    private:
+    void Begin(std::string_view name) {
+      if (isWriting_) throw EWriteError("it defines " + std::string(name) + " while it is written");
+      save_.defined_ = name;
+      save_.property_ = save_.defined_;
+      bool isTaken = shape_.Find(name) >= 0;
+      for (const std::string& each : names_) isTaken = isTaken || IsSameName(each, name);
+      if (isTaken) throw EWriteError("there are two properties of that name");
+      names_.emplace_back(name);
+    }
+
     TStreamSave& save_;
+    const TStreamShape& shape_;
     const std::string& prefix_;
+    std::vector<std::string> names_;
+    bool isWriting_ = false;
+  };
+
+  /// The objects whose properties are being written, from the innermost one out.
+  struct THolder {
+    const TPersistent& Object;
+    const THolder* Outer;
   };
 
   // -- Objects --------------------------------------------------------------------------------------------------------
 
   void Object(TComponent& component) {
+    const TMemoryKeeper<TComponent> keep(&component);  // a getter may free it
+    const TWriting writing(component);
     try {
       const TDeeper deeper(depth_);
       CheckClass(component);
+      CheckName(component);
       bytes_.Name(component.ClassName());
       bytes_.Name(component.Name());
-      Properties(component, shapes_.Of(component.ClassType()), {});
+      component_ = &component;
+      Properties(component, shapes_.Of(component.ClassType()), {}, nullptr);
       bytes_.Byte(skEnd);
     } catch (const EAbort&) {
       throw;
@@ -68,7 +104,9 @@ class TStreamSave {
       Fail(component, error.what());
     }
     const TDeeper deeper(depth_);
-    for (std::int32_t i = 0; i < component.ComponentCount(); ++i) Object(*component.Components(i));
+    // Who comes meanwhile isn't written: there might be no end of them.
+    const std::int32_t count = component.ComponentCount();
+    for (std::int32_t i = 0; i < count && i < component.ComponentCount(); ++i) Object(*component.Components(i));
     bytes_.Byte(skEnd);
   }
 
@@ -92,21 +130,44 @@ class TStreamSave {
     checked_ = &type;
   }
 
+  void CheckName(const TComponent& component) const {
+    const std::string& name = component.Name();
+    if (name.size() > kMaxStreamName)
+      throw EWriteError("a name of " + std::to_string(name.size()) + " characters is longer than " +
+                        std::to_string(kMaxStreamName));
+    if (&component == &root_ || name.empty() || component.Owner() == nullptr) return;
+    if (component.Owner()->FindComponent(name) != &component)
+      throw EWriteError("another component of its owner has that name");
+  }
+
   // -- Properties -----------------------------------------------------------------------------------------------------
 
   /// The published ones, then the defined ones; without the 0 behind them.
-  void Properties(TPersistent& object, TStreamShape& shape, const std::string& prefix) {
+  void Properties(TPersistent& object, TStreamShape& shape, const std::string& prefix, const THolder* outer,
+                  const TItem& item = {}) {
+    const THolder holder{object, outer};
     for (std::size_t i = 0; i < shape.Props().size(); ++i) {
       property_ = shape.Props()[i].Info->Name;
-      Property(object, shape, static_cast<std::int32_t>(i), prefix);
+      Property(holder, object, shape, static_cast<std::int32_t>(i), prefix);
+      CheckThere(item);
     }
     property_ = {};
-    TDefinedWriter defined(*this, prefix);
+    TDefinedWriter defined(*this, shape, prefix);
     TFiler::Define(object, defined);
+    CheckThere(item);
     property_ = {};
   }
 
-  void Property(TPersistent& object, TStreamShape& shape, std::int32_t prop, const std::string& prefix) {
+  /// A getter may have freed what is being written.
+  void CheckThere(const TItem& item) const {
+    if (component_->IsBeingFreed()) throw EWriteError("the component has been freed while it was written");
+    if (item.Collection == nullptr) return;
+    if (item.Index >= item.Collection->Count() || item.Collection->Items(item.Index) != item.Item)
+      throw EWriteError("the collection has changed while it was written");
+  }
+
+  void Property(const THolder& holder, TPersistent& object, TStreamShape& shape, std::int32_t prop,
+                const std::string& prefix) {
     const TStreamProp& known = shape.Props()[static_cast<std::size_t>(prop)];
     const TPropInfo& info = *known.Info;
     const bool hasOwnProperties = known.Role == TStreamRole::Part || known.Role == TStreamRole::Collection;
@@ -116,13 +177,28 @@ class TStreamSave {
     if (hasOwnProperties) {
       TObject* const part = std::get<TObject*>(value);
       if (known.Role == TStreamRole::Collection)
-        Items(As<TCollection>(part), shape, prop, prefix);
-      else if (auto* const persistent = As<TPersistent>(part))
-        Properties(*persistent, PartShape(*persistent, shape, prop), prefix + info.Name + ".");
+        Items(holder, As<TCollection>(part), shape, prop, prefix);
+      else if (auto* const persistent = As<TPersistent>(part); persistent != nullptr && !IsBeingWritten(holder, part))
+        Properties(*persistent, PartShape(*persistent, shape, prop), PrefixOf(prefix, info.Name), &holder);
       return;
     }
     if (IsDefaultValue(info, value) && (info.Default || shape.IsFreshEmpty(prop))) return;
     Value(info, value, prefix);
+  }
+
+  /// A part that leads back to what it is a part of has been written there already.
+  static bool IsBeingWritten(const THolder& holder, const TObject* object) {
+    for (const THolder* at = &holder; at != nullptr; at = at->Outer)
+      if (&at->Object == object) return true;
+    return false;
+  }
+
+  static std::string PrefixOf(const std::string& prefix, const std::string& name) {
+    if (prefix.size() + name.size() >= kMaxStreamName) FailPath();
+    return prefix + name + ".";
+  }
+  [[noreturn]] static void FailPath() {
+    throw EWriteError("its path is longer than " + std::to_string(kMaxStreamName) + " characters");
   }
 
   /// Of what stands there now: it may be of another class than in a fresh object.
@@ -131,8 +207,12 @@ class TStreamSave {
     return fresh != nullptr && &fresh->Type() == &part.ClassType() ? *fresh : shapes_.Of(part.ClassType());
   }
 
-  void Items(TCollection* collection, TStreamShape& shape, std::int32_t prop, const std::string& prefix) {
-    if (collection == nullptr || (collection->Count() == 0 && shape.IsFreshEmpty(prop))) return;
+  void Items(const THolder& holder, TCollection* collection, TStreamShape& shape, std::int32_t prop,
+             const std::string& prefix) {
+    if (collection == nullptr || IsBeingWritten(holder, collection)) return;
+    const TMemoryKeeper<TCollection> keep(collection);
+    if (collection->Count() == 0 && shape.IsFreshEmpty(prop)) return;
+    const THolder inner{*collection, &holder};
     const std::string_view name = property_;
     Name(prefix, name);
     const TDeeper deeper(depth_);
@@ -140,7 +220,8 @@ class TStreamSave {
     TStreamShape& items = shapes_.OfItems(collection->ItemClass());
     for (std::int32_t i = 0; i < collection->Count(); ++i) {
       bytes_.Byte(kStreamItem);
-      Properties(*collection->Items(i), items, {});
+      TCollectionItem& item = *collection->Items(i);
+      Properties(item, items, {}, &inner, {collection, i, &item});
       bytes_.Byte(skEnd);
       property_ = name;
     }
@@ -148,8 +229,7 @@ class TStreamSave {
   }
 
   void Name(const std::string& prefix, std::string_view name) {
-    if (prefix.size() + name.size() > kMaxStreamName)
-      throw EWriteError("its path is longer than " + std::to_string(kMaxStreamName) + " characters");
+    if (prefix.size() + name.size() > kMaxStreamName) FailPath();
     bytes_.Name(prefix, name);
   }
 
@@ -203,7 +283,7 @@ class TStreamSave {
     const std::string name = handler ? MethodName(&root_, handler) : "nil";
     if (name.empty()) return;
     Name(prefix, property_);
-    bytes_.Ident(name);
+    TWriter(bytes_, depth_).WriteIdent(name);
   }
 
   // -- References -----------------------------------------------------------------------------------------------------
@@ -244,7 +324,9 @@ class TStreamSave {
   TStreamShapes shapes_;
   TStreamBytes bytes_;
   int depth_ = 0;
-  std::string_view property_;  // what is being written, for messages
+  const TComponent* component_ = nullptr;  // what is being written,
+  std::string_view property_;              // and which property, for messages;
+  std::string defined_;                    // its name, where that isn't ours
   const TClass* checked_ = nullptr;
 };
 

@@ -1,5 +1,7 @@
 #include "platform/component/StreamShape.h"
 
+#include <new>
+
 #include "platform/component/Filer.h"
 #include "platform/component/NameTable.h"
 
@@ -74,20 +76,46 @@ std::int32_t TStreamShape::Find(std::string_view name, std::int32_t expected) co
   return -1;
 }
 
+TStreamShape::~TStreamShape() {
+  if (TComponent* const made = component_.Component()) made->FreeAnyway();
+}
+
 TPersistent* TStreamShape::Prototype() {
-  if (prototype_ != nullptr || isTried_) return prototype_;
-  isTried_ = true;
+  if (whole_ != nullptr) {
+    TPersistent* const whole = whole_->Prototype();
+    TPersistent* const part = whole == nullptr ? nullptr : PartOf(*whole, *asPart_);
+    return part != nullptr && &part->ClassType() == &type_ ? part : nullptr;
+  }
+  if (!isTried_) {
+    isTried_ = true;
+    try {
+      MakePrototype();
+    } catch (const EAbort&) {
+      throw;
+    } catch (const std::bad_alloc&) {
+      throw;
+    } catch (const std::exception& error) {
+      throw EInvalidOperation("a fresh " + type_.Name() + " can't be made: " + error.what());
+    }
+  }
+  if (!isScratch_) return root_.Component();
+  return own_ != nullptr ? own_.get() : component_.Component();
+}
+
+void TStreamShape::MakePrototype() {
   if (itemClass_) {
     own_ = itemClass_.Make(nullptr);
   } else if (type_.Factory() != nullptr) {
     TOwned<TObject> made(type_.Factory()());
-    if (auto* const persistent = As<TPersistent>(made.get())) {
+    if (auto* const component = As<TComponent>(made.get())) {
+      component_ = TComponentLink(component);
+      static_cast<void>(made.release());
+    } else if (auto* const persistent = As<TPersistent>(made.get())) {
       own_.reset(persistent);
       static_cast<void>(made.release());
     }
   }
-  isScratch_ = own_ != nullptr;
-  return prototype_ = isScratch_ ? own_.get() : root_;
+  isScratch_ = own_ != nullptr || component_.Component() != nullptr;
 }
 
 bool TStreamShape::Defines(std::string_view name) {
@@ -115,7 +143,7 @@ TStreamShape* TStreamShape::Part(std::int32_t prop) {
   TPersistent* const prototype = Prototype();
   TPersistent* const object =
       prototype == nullptr ? nullptr : PartOf(*prototype, *props_[static_cast<std::size_t>(prop)].Info);
-  if (object != nullptr) part = &shapes_.OfPart(*object, isScratch_);
+  if (object != nullptr) part = &shapes_.OfPart(*object, *this, *props_[static_cast<std::size_t>(prop)].Info);
   return part;
 }
 
@@ -157,15 +185,18 @@ TStreamShape& TStreamShapes::Of(const TClass& type) {
 
 TStreamShape& TStreamShapes::OfRoot(TComponent& root) {
   TStreamShape& shape = Of(root.ClassType());
-  shape.root_ = &root;
+  shape.root_ = TComponentLink(&root);
   return shape;
 }
 
-TStreamShape& TStreamShapes::OfPart(TPersistent& part, bool isScratch) {
+TStreamShape& TStreamShapes::OfPart(TPersistent& part, TStreamShape& whole, const TPropInfo& asPart) {
   TStreamShape& shape = Of(part.ClassType());
-  if (shape.prototype_ == nullptr) {
-    shape.prototype_ = &part;
-    shape.isScratch_ = isScratch;
+  const bool isKnown =
+      shape.own_ != nullptr || shape.component_.Component() != nullptr || shape.root_.Component() != nullptr;
+  if (shape.whole_ == nullptr && !isKnown) {
+    shape.whole_ = &whole;
+    shape.asPart_ = &asPart;
+    shape.isScratch_ = whole.isScratch_;
   }
   return shape;
 }

@@ -2,7 +2,8 @@
 //
 // The published properties alone don't tell all: which class of items a collection holds, what object stands behind
 // "Font", what a class defines in DefineProperties. That is asked of a prototype: a fresh object, made when it is first
-// needed and freed with the shapes; for a root whose class can't be made, the root itself.
+// needed and freed with the shapes; for a root whose class can't be made, the root itself. A part of it is asked for
+// anew each time, and a component held by a weak reference: what it reads may replace the one and free the other.
 #pragma once
 
 #include <cstdint>
@@ -41,11 +42,15 @@ class TStreamShape {
  public:
   TStreamShape(TStreamShapes& shapes, const TClass& type);
 
+  TStreamShape(const TStreamShape&) = delete;
+  TStreamShape& operator=(const TStreamShape&) = delete;
+  ~TStreamShape();
+
   const TClass& Type() const { return type_; }
   const std::vector<TStreamProp>& Props() const { return props_; }
   /// Position of the property, letter case ignored; -1 if there is none. O(1) for the property at `expected`.
   std::int32_t Find(std::string_view name, std::int32_t expected = 0) const;
-  /// The object to ask; null if the class can't be made.
+  /// The object to ask; null if the class can't be made. EInvalidOperation for what its constructor raises.
   TPersistent* Prototype();
   /// True if objects of the class define a property of that name.
   bool Defines(std::string_view name);
@@ -61,17 +66,21 @@ class TStreamShape {
  private:
   friend class TStreamShapes;
 
+  void MakePrototype();
+
   TStreamShapes& shapes_;
   const TClass& type_;
   std::vector<TStreamProp> props_;
   std::vector<TStreamShape*> parts_;             // by property; null where not asked yet
   std::vector<std::optional<bool>> freshEmpty_;  // likewise
   TClassOf<TCollectionItem> itemClass_;          // what makes the prototype, if it is an item
-  TOwned<TPersistent> own_;
-  TPersistent* prototype_ = nullptr;
-  TPersistent* root_ = nullptr;  // takes the place of a prototype that can't be made
-  bool isScratch_ = false;       // the prototype is ours, or a part of what is
-  TLoading loading_;             // of a prototype that is read into
+  TOwned<TPersistent> own_;                      // a prototype that is no component
+  TComponentLink component_;                     // one that is
+  TComponentLink root_;                          // takes the place of a prototype that can't be made
+  TStreamShape* whole_ = nullptr;                // that of which the prototype is a part,
+  const TPropInfo* asPart_ = nullptr;            // by this property
+  bool isScratch_ = false;                       // the prototype is ours, or a part of what is
+  TLoading loading_;                             // of a prototype that is read into
   bool isTried_ = false;
   std::optional<std::vector<std::string>> defined_;
 };
@@ -82,8 +91,8 @@ class TStreamShapes {
   TStreamShape& Of(const TClass& type);
   /// The root that is read into.
   TStreamShape& OfRoot(TComponent& root);
-  /// A part of a prototype.
-  TStreamShape& OfPart(TPersistent& part, bool isScratch);
+  /// A part of the prototype of `whole`.
+  TStreamShape& OfPart(TPersistent& part, TStreamShape& whole, const TPropInfo& asPart);
   TStreamShape& OfItems(const TClassOf<TCollectionItem>& itemClass);
 
  private:

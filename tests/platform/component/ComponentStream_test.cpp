@@ -145,7 +145,7 @@ TEST(ComponentStream, ASetterThatRaisesEndsTheReadingAndTellsWhatWasDone) {
                   "99\n end\nend",
                   *tower);
             }),
-            "line 7, column 3: T.B.Count: 99 is too much (2 components that had been made are freed again; 2 "
+            "line 7, column 3: T.B.Count: 99 is too much (2 components that had been made are freed again; 3 "
             "properties of T had been set and stay)");
   EXPECT_EQ(tower->ComponentCount(), 0);
   EXPECT_EQ(tower->Tag(), 5);
@@ -157,6 +157,55 @@ TEST(ComponentStream, ASetterThatRaisesEndsTheReadingAndTellsWhatWasDone) {
       *tower);
   EXPECT_EQ(tower->ComponentCount(), 1);
   EXPECT_EQ(TextToComponent("object TTower\n Count = 98\nend"), nullptr);
+  TakeLog();
+}
+
+TEST(ComponentStream, OutlivesWhatApplicationCodeDoesToTheTree) {
+  const TBellClasses classes;
+  class TAngry final : public TCollectionOf<TTone> {
+    void Update(TCollectionItem*) override { throw EConvertError("no more tones"); }
+  };
+  TTower* tower = nullptr;
+  const auto raise = [](TObject&) { throw EConvertError("enough"); };
+  const std::string tones = "Tones = <item Pitch = 97 Source = B end item Pitch = 2 end> object B: TBell end";
+  const struct {
+    std::string body;  // of a tower that has a bell, Here
+    std::function<void(TObject&)> prank;
+    std::string message;
+  } kPranks[] = {
+      {"Count = 97 Next = Here", [&](TObject&) { tower->Components(0)->Free(); },
+       "line 1, column 26: TTower.Next: the component Here is gone (1 property of TTower had been set and stays)"},
+      {"Count = 97 " + tones, [&](TObject&) { tower->Free(); }, ""},
+      {tones, [](TObject& tone) { tone.Free(); }, ""},
+      {tones, [](TObject& tone) { dynamic_cast<TTone&>(tone).Collection()->Clear(); }, ""},
+      {tones, [&](TObject&) { tower->Free(); }, ""},
+      {tones, [&](TObject&) { tower->Tones = Make<TCollectionOf<TTone>>(); },
+       "line 1, column 29: TTower.Pitch: A collection that is being freed takes no items (1 property of TTower had "
+       "been "
+       "set and stays)"},
+      {"Count = 97 " + tones,
+       [&](TObject& self) { self.InheritsFrom(TTone::StaticClass()) ? raise(self) : tower->Tones.reset(new TAngry); },
+       "line 1, column 40: TTower.Pitch: no more tones (1 property of TTower had been set and stays)"},
+      {"Steps = (97)", [](TObject& bell) { bell.Free(); }, ""},
+      {"Steps = (97)", raise, "line 1, column 23: TTower.Steps: enough"},
+      {"Steps = (97)",
+       [&](TObject& bell) {
+         if (&bell != tower) tower->Free();
+       },
+       "line 1, column 8: the component that is read into has been freed"},
+      {"Count = 97", [](TObject&) { TextToComponent("object TBell Loudd = 1 end"); },
+       "line 1, column 15: TTower.Count: line 1, column 14: unknown property: TBell.Loudd"},
+  };
+  for (const auto& [body, prank, message] : kPranks) {
+    tower = New<TTower>(static_cast<TComponent*>(nullptr));
+    const TComponentRef<TTower> alive(tower);
+    New<TBell>(tower)->SetName("Here");
+    OnPrank = prank;
+    EXPECT_EQ(MessageOf<EReadError>([&] { TextIntoComponent("object TTower " + body + " end", *tower); }),
+              message.empty() ? "nothing raised" : message);
+    OnPrank = nullptr;
+    if (alive) alive->Free();
+  }
   TakeLog();
 }
 
@@ -180,7 +229,7 @@ TEST(ComponentStream, WhatCouldNotBeReadAgainIsNotWritten) {
   const TBellClasses classes;
   const TOwned<TTower> tower = Make<TTower>();
   tower->SetName("T");
-  auto* const bell = New<TBell>(tower.get());
+  auto* bell = New<TBell>(tower.get());
   const auto message = [&] { return MessageOf<EWriteError>([&] { ComponentToBinary(*tower); }); };
   tower->Next = bell;
   EXPECT_EQ(message(), "T.Next: it refers to a TBell without a name");
@@ -192,6 +241,17 @@ TEST(ComponentStream, WhatCouldNotBeReadAgainIsNotWritten) {
   bell->Text.assign(kMaxStreamText + 1, 'x');
   EXPECT_EQ(message(), "T.B.Text: A text of 1048577 bytes is longer than 1048576");
   bell->Text = "x";
+  bell->Cord->Holder = bell->Cord.get();  // written where it stands, not round and round
+  bell->steps = {-97};
+  OnPrank = [](TObject&) { throw EConvertError("enough"); };
+  EXPECT_EQ(message(), "T.B.Steps: enough");
+  OnPrank = [](TObject& self) { self.Free(); };
+  EXPECT_EQ(message(), "B.Steps: the component has been freed while it was written");
+  OnPrank = nullptr;
+  bell = New<TBell>(tower.get());
+  bell->SetName(std::string(kMaxStreamName + 1, 'n'));
+  EXPECT_EQ(message(), "T." + bell->Name() + ": a name of 256 characters is longer than 255");
+  bell->SetName("B");
   New<TComponent>(bell);
   EXPECT_EQ(message(), "T.B.TComponent: class TComponent is not registered, so nobody could read it");
   bell->Components(0)->Free();

@@ -20,13 +20,16 @@ const TClass& TCord::StaticClass() {
                                  .Property("Length", &TCord::Length)
                                  .Default(5)
                                  .Property("Knots", [](TCord& cord) -> TStrings* { return cord.Knots.get(); })
+                                 .Property("Holder", [](TCord& cord) { return cord.Holder; })
                                  .Build();
   return info;
 }
 
 const TClass& TTone::StaticClass() {
   static const TClass info = TClassBuilder<TTone>("TTone", TCollectionItem::StaticClass())
-                                 .Property("Pitch", &TTone::Pitch)
+                                 .Property(
+                                     "Pitch", [](TTone& tone) { return tone.Pitch; },
+                                     [](TTone& tone, double pitch) { Prank(tone, tone.Pitch = pitch); })
                                  .Property("Source", &TTone::Source)
                                  .Build();
   return info;
@@ -63,6 +66,7 @@ void TBell::SetCount(std::int8_t count) {
   if (count == 99) throw EConvertError("99 is too much");
   if (count == 98) return Free();
   count_ = count;
+  Prank(*this, count);
 }
 
 void TBell::DefineProperties(TFiler& filer) {
@@ -73,8 +77,10 @@ void TBell::DefineProperties(TFiler& filer) {
         steps.clear();
         for (reader.ReadListBegin(); !reader.EndOfList();) steps.push_back(reader.ReadInteger());
         reader.ReadListEnd();
+        Prank(*this, steps.empty() ? 0 : steps.back());
       },
       [this](TWriter& writer) {
+        if (!steps.empty()) Prank(*this, -steps.back());
         writer.WriteListBegin();
         for (const std::int32_t step : steps) writer.WriteInteger(step);
         writer.WriteListEnd();

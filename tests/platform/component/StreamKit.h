@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,12 +27,19 @@ struct TEnumInfo<test::TChime> {
 
 namespace test {
 
+/// What hostile application code does when it is given the number 97: as a bell's count, a tone's pitch, a step read.
+inline std::function<void(TObject&)> OnPrank;
+inline void Prank(TObject& self, double number) {
+  if (number == 97 && OnPrank) OnPrank(self);
+}
+
 /// A part with a part of its own.
 class TCord : public TPersistent {
  public:
   static const TClass& StaticClass();
   const TClass& ClassType() const override { return StaticClass(); }
   std::int32_t Length = 5;
+  TPersistent* Holder = nullptr;
   TOwned<TStringList> Knots = Make<TStringList>();
 };
 
