@@ -13,9 +13,13 @@ namespace vx::kestrix {
 
 namespace {
 
+/// Bytes of a form, ten times what a large one has.
+constexpr std::size_t kMostForm = std::size_t{1} << 30;
+
 constexpr const char* kHelp =
-    R"(What the input is follows from its first bytes, what the output is to be from the end of its name: .kform is text,
-.bin is binary; standard output gets the other form. From text to text a form is laid out anew, without its remarks.
+    R"(Names tell the form of the output: .kform is text, .bin is binary; standard output gets the other one than
+the input has. The input is binary if its first bytes or its name say so. From text to text a form is laid
+out anew, without its remarks. Classes and properties aren't looked up: the form may be another program's.
 
 Examples:
   kestrix convert orders.kform orders.bin
@@ -27,7 +31,12 @@ struct TConvertOptions {
   bool wantsCheck = false;
 };
 
-bool IsBinary(std::string_view form) { return form.starts_with(kStreamMark); }
+bool HasBinaryName(const std::string& path) { return LowerCase(path).ends_with(".bin"); }
+
+/// A damaged mark doesn't make a text of a binary form: its name tells, too.
+bool IsBinary(const std::string& path, std::string_view form) {
+  return form.starts_with(kStreamMark) || HasBinaryName(path);
+}
 
 /// "orders.kform:7:11: …", "orders.bin: byte 17: …".
 EUserError ErrorAt(const std::string& path, const EReadError& error) {
@@ -38,26 +47,26 @@ EUserError ErrorAt(const std::string& path, const EReadError& error) {
   return EUserError(OneLine(InputName(path)) + where + ": " + OneLine(error.Reason()));
 }
 
-std::string WithForm(std::string form, bool toBinary) {
-  if (IsBinary(form) != toBinary) return toBinary ? TextToBinary(form) : BinaryToText(form);
+std::string WithForm(const std::string& form, bool isBinary, bool toBinary) {
+  if (isBinary != toBinary) return toBinary ? TextToBinary(form) : BinaryToText(form);
   return toBinary ? TextToBinary(BinaryToText(form)) : BinaryToText(TextToBinary(form));
 }
 
 /// Whether `output` is to be binary; the input is not, or is.
 bool IsBinaryOutput(const std::string& output, bool inputIsBinary) {
-  const std::string name = LowerCase(output);
   if (output == kStandardInput) return !inputIsBinary;
-  if (name.ends_with(".kform")) return false;
-  if (name.ends_with(".bin")) return true;
+  if (LowerCase(output).ends_with(".kform")) return false;
+  if (HasBinaryName(output)) return true;
   throw EUserError({output, 0, {}}, "the name should end in .kform (text) or .bin (binary)");
 }
 
 void Convert(const std::string& input, const std::string& output, const TStreams& streams) {
   IsBinaryOutput(output, false);  // before a long input is waited for
   TResult result(output, {input}, streams);
-  const std::string form = ReadInput(input, streams.in);
+  const std::string form = ReadInput(input, streams.in, kMostForm);
+  const bool isBinary = IsBinary(input, form);
   try {
-    result.Out() << WithForm(form, IsBinaryOutput(output, IsBinary(form)));
+    result.Out() << WithForm(form, isBinary, IsBinaryOutput(output, isBinary));
   } catch (const EReadError& error) {
     throw ErrorAt(input, error);
   }
@@ -77,9 +86,9 @@ std::size_t CountObjects(TStreamCursor& cursor) {
 }
 
 std::size_t CheckedObjects(const std::string& path, const TStreams& streams) {
-  const std::string form = ReadInput(path, streams.in);
+  const std::string form = ReadInput(path, streams.in, kMostForm);
   try {
-    const std::string binary = WithForm(form, true);
+    const std::string binary = WithForm(form, IsBinary(path, form), /*toBinary=*/true);
     TStreamCursor cursor(binary);
     cursor.Open();
     return CountObjects(cursor);

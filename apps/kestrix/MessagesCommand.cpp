@@ -17,8 +17,8 @@ namespace vx::kestrix {
 namespace {
 
 constexpr const char* kHelp =
-    R"(A check tells what a translation lacks, where its placeholders differ, and what the system has no text for. The ending
-code is 2 if there is an error, 0 if there are only warnings.
+    R"(A check tells what a translation lacks, where its placeholders differ, and what the system has no text for.
+The ending code is 2 if there is an error, 0 if there are only warnings.
 
 Examples:
   kestrix messages
@@ -35,7 +35,7 @@ struct TMessagesOptions {
 
 TResourceFile ReadTranslation(const std::string& path, const TStreams& streams) {
   try {
-    return ParseResourceFile(ReadInput(path, streams.in), InputName(path));
+    return ParseResourceFile(ReadInput(path, streams.in, kResourceFileLimit), InputName(path));
   } catch (const EResourceFileError& error) {
     const std::string place =
         error.Line() == 0 ? "" : ":" + std::to_string(error.Line()) + ":" + std::to_string(error.Column());
@@ -86,6 +86,16 @@ std::string FileOfLanguage(const std::string& language) {
 /// A number's text, and what the translation has for it.
 using TTexts = std::map<std::int32_t, std::pair<TCellValue, TCellValue>>;
 
+/// Each translation below its text: side by side, the longest two would leave no terminal wide enough.
+void WriteForPeople(ITableWriter& writer, const TTexts& texts, const std::string& language) {
+  writer.Begin({{"Number", true}, {"Text, and below it " + language}});
+  for (const auto& [id, text] : texts) {
+    writer.Row({id, text.first});
+    writer.Row({TCellValue(), text.second});
+  }
+  writer.End();
+}
+
 void Write(ITableWriter& writer, const TTexts& texts, const std::string& language) {
   const bool hasTranslation = !language.empty();
   std::vector<TWrittenColumn> columns = {{"Number", true}, {"Text"}};
@@ -105,8 +115,10 @@ void List(const TMessagesOptions& options, const TStreams& streams) {
   TResourceFile translation;
   if (!path.empty()) translation = ReadTranslation(path, streams);
   for (const TResourceFile::TString& text : translation.Strings) texts[text.Id].second = text.Text;
-  Write(*MakeTableWriter(FormatOfName(options.format).value_or(TTableFormat::Table), result.Out()), texts,
-        translation.Language);
+  const TTableFormat format = FormatOfName(options.format).value_or(TTableFormat::Table);
+  const auto writer = MakeTableWriter(format, result.Out());
+  const bool isForPeople = format == TTableFormat::Table && !translation.Language.empty();
+  (isForPeople ? WriteForPeople : Write)(*writer, texts, translation.Language);
   result.Finish();
 }
 

@@ -18,8 +18,10 @@ namespace vx::kestrix {
 namespace {
 
 constexpr const char* kHelp =
-    R"(A property's line tells its type, its default, whether it can only be read, and whether a rule of the object decides if
-it is stored. Below a collection stand the properties of its items, below a part those of the part.
+    R"(A property's line tells its type, its default, and whether it can only be read. A form keeps it where it
+differs from the default; where it never does, or the object decides by a rule of its own, the line says so.
+Below a collection stand the properties of its items, below a part those of the part. A component's name
+is never stored as a property, since it stands in the line of its object.
 
 Examples:
   kestrix palette
@@ -35,12 +37,21 @@ struct TPaletteOptions {
 
 // -- What is asked for ------------------------------------------------------------------------------------------------
 
+/// The page that may be meant, else those that there are.
+std::string PageMeant(const std::string& wanted, const std::vector<std::string>& names) {
+  const std::string meant = DidYouMean(wanted, names);
+  if (!meant.empty() || names.empty()) return meant;
+  std::string all;
+  for (const std::string& name : names) all += (all.empty() ? "" : ", ") + Quoted(name);
+  return ", only " + all;
+}
+
 void TakePage(std::vector<TPageListing>& pages, const std::string& wanted) {
   std::vector<std::string> names;
   for (const TPageListing& page : pages)
     if (!page.Name.empty()) names.push_back(page.Name);
   std::erase_if(pages, [&](const TPageListing& page) { return CompareText(page.Name, wanted) != 0; });
-  if (pages.empty()) throw EUserError("no page " + Quoted(wanted) + " on the palette" + DidYouMean(wanted, names));
+  if (pages.empty()) throw EUserError("no page " + Quoted(wanted) + " on the palette" + PageMeant(wanted, names));
 }
 
 std::vector<std::string> ClassNames(const std::vector<TPageListing>& pages) {
@@ -91,11 +102,12 @@ std::string JsonLines(const std::vector<T>& values, const std::string& indent, W
 }
 
 std::string JsonProperty(const TPropertyListing& property, const std::string& indent) {
+  static const std::string kStorage[] = {"always", "rule", "never"};
   const std::string kind = LowerCase(EnumShortText(property.Kind));
   std::string json = "{\"name\": " + JsonText(property.Name) + ", \"type\": " + JsonText(property.TypeName) +
                      ", \"kind\": " + JsonText(kind) + ", \"default\": " + JsonDefault(property.Default) +
-                     ", \"readOnly\": " + (property.IsReadOnly ? "true" : "false") +
-                     ", \"stored\": " + (property.HasStoredRule ? "\"rule\"" : "\"always\"");
+                     ", \"readOnly\": " + (property.IsReadOnly ? "true" : "false") + ", \"stored\": \"" +
+                     kStorage[property.Storage] + "\"";
   if (!property.Members.empty()) json += ", \"members\": " + JsonList(property.Members);
   if (!property.ItemClass.empty()) json += ", \"itemClass\": " + JsonText(property.ItemClass);
   const std::string deeper = indent + " ";

@@ -12,6 +12,11 @@ namespace vx {
 
 namespace {
 
+TListedStorage StorageOf(const TPropInfo& info) {
+  if (info.NeverStored) return lsNever;
+  return info.Stored == nullptr ? lsAlways : lsByRule;
+}
+
 TListedDefault DefaultOf(const TPropInfo& info) {
   const TPropValue& value = *info.Default;
   if (const auto* const text = std::get_if<std::string>(&value)) return *text;
@@ -55,8 +60,7 @@ class TLister {
 
  private:
   TPropertyListing PropertyOf(const TPropInfo& info, TObject* sample) {
-    TPropertyListing listing{
-        info.Name, info.TypeName(), info.Kind, {}, info.IsReadOnly(), info.Stored != nullptr, {}, {}, {}};
+    TPropertyListing listing{info.Name, info.TypeName(), info.Kind, {}, info.IsReadOnly(), StorageOf(info), {}, {}, {}};
     if (info.Default) listing.Default = DefaultOf(info);
     if (info.Enum != nullptr) listing.Members.assign(info.Enum->Names.begin(), info.Enum->Names.end());
     if (info.Kind == tkClass && sample != nullptr)

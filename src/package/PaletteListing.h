@@ -27,13 +27,20 @@ namespace vx {
 /// "+INF", "-INF", "+NAN".
 using TListedDefault = std::variant<bool, std::int64_t, double, std::string>;
 
+/// Whether a stream keeps a property that differs from its default.
+enum TListedStorage : std::uint8_t {
+  lsAlways,
+  lsByRule,  ///< the object decides
+  lsNever,   ///< as the name of a component, which stands in the line of its object instead
+};
+
 struct TPropertyListing {
   std::string Name;
   std::string TypeName;  ///< of an event: the name of its signature
   TTypeKind Kind = tkUnknown;
   std::optional<TListedDefault> Default;
   bool IsReadOnly = false;
-  bool HasStoredRule = false;        ///< the object decides whether a stream keeps it
+  TListedStorage Storage = lsAlways;
   std::vector<std::string> Members;  ///< of an enumeration or a set, from ordinal 0 upwards
   std::string ItemClass;             ///< of a collection
   std::vector<TPropertyListing>

@@ -70,7 +70,8 @@ std::vector<std::string> RemarksOf(const TPropertyListing& property) {
   std::vector<std::string> remarks;
   if (property.Default) remarks.push_back("default " + DefaultText(property));
   if (property.IsReadOnly) remarks.push_back("read-only");
-  if (property.HasStoredRule) remarks.push_back("stored by a rule");
+  if (property.Storage != lsAlways)
+    remarks.push_back(property.Storage == lsByRule ? "stored by a rule" : "never stored");
   if (!property.ItemClass.empty()) remarks.push_back("items of " + property.ItemClass);
   return remarks;
 }

@@ -33,7 +33,7 @@ TEST(Languages, EnglishIsBuiltInAndGermanIsWhole) {
   EXPECT_EQ(english, builtIn);
   const THInstance german = LoadResourceModule(kLanguages + "de.kres");
   UseLanguageModule(german);
-  EXPECT_TRUE(test::MatchesGolden("base/string-resources.de.txt", AllTexts()));
+  EXPECT_TRUE(test::MatchesGolden("platform/string-resources.de.txt", AllTexts()));
   EXPECT_EQ(FmtMsg(14666, {"q"}) + FmtStr("%u", 86'400, vxduDay), "Ung\u00FCltige Zeiteinheit: q.1 t");
   EXPECT_TRUE(FindResourceInstance(MainInstance()) == german && GetModule(german) == MainInstance());
   EXPECT_EQ(GetResourceModuleFileName(MainInstance()), "kestrix.de.kres");

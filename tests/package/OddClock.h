@@ -65,6 +65,7 @@ class TOddClock : public TComponent {
                                    .Default(std::numeric_limits<std::int64_t>::min())
                                    .Property("Far", &TOddClock::Far)
                                    .Default(std::numeric_limits<double>::infinity())
+                                   .Stored([](TOddClock&) { return true; })
                                    .Property("Other", &TOddClock::Other)
                                    .Property("Face", [](TOddClock& clock) { return clock.Face.get(); })
                                    .Property("Hands", [](TOddClock& clock) { return clock.Hands.get(); })

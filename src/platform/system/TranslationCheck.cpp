@@ -105,6 +105,8 @@ void CheckDurationUnits(const TResourceFile& file, std::vector<TTranslationFault
       faults.push_back({text.Line, text.Id, fsError, "the same unit of durations as " + std::to_string(first->second)});
     if (text.Text.find_first_of("0123456789") != std::string::npos)
       faults.push_back({text.Line, text.Id, fsError, "a unit of durations with a digit can't be read again"});
+    if (Trimmed(text.Text) != text.Text)
+      faults.push_back({text.Line, text.Id, fsError, "a unit of durations with a blank at an end can't be read again"});
   }
 }
 

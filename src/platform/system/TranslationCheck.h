@@ -8,7 +8,8 @@
 //
 // Placeholders may change their order, as %1:s and %0:s can; those without an index stand for arguments 0, 1, … and may
 // not. "%%" is none. A "%" that begins no placeholder counts where the original has placeholders, since filling the
-// text would fail or print it. Two units of durations must not be alike, nor have a digit: they are read, too.
+// text would fail or print it. Two units of durations must not be alike, nor have a digit or a blank at an end: they
+// are read, too.
 //
 // Errors. None is raised: a file that can't be read or has a wrong form is a fault itself. Cost. O(n log n). Any
 // thread.

@@ -28,6 +28,7 @@ TEST(CommandLine, TellsWhatIsWrong) {
       {"palette TVXRAMTabel", "no class \"TVXRAMTabel\" on the palette; did you mean \"TVXRAMTable\"?"},
       {"palette tvxramtable TForm", "no class \"TForm\" on the palette"},
       {"palette --page VX_Data_Acces", "no page \"VX Data Acces\" on the palette; did you mean \"VX Data Access\"?"},
+      {"palette --page Odd", "no page \"Odd\" on the palette, only \"VX Data Access\""},
       {"palette --page VX_Data_Access TForm", "no class \"TForm\" on the page \"VX Data Access\""},
       {"palette --format xml", "--format: xml not in {text,json}; see kestrix palette --help"},
       {"palette --formt text", "no option \"--formt\"; did you mean \"--format\"?"},
@@ -94,10 +95,15 @@ TEST(ConvertCommand, GoesThereAndBack) {
   EXPECT_EQ(run.code, kSuccess);
 }
 
+TEST(ConvertCommand, TakesTheFormThatTheDocumentsShow) {
+  EXPECT_EQ(RunProgram({"convert", "--check", KESTRIX_TESTS_DIR "/../examples/every_value.kform"}).err, "");
+}
+
 TEST(ConvertCommand, TellsThePlaceAndWritesNothing) {
   const TTestFolder folder;
   const std::string bad = folder.Write("bad.kform", "object Form1: TForm\n  Tag = = 3\nend\n");
   const std::string cut = folder.Write("cut.bin", RunProgram("convert - -", kForm).out.substr(0, 30));
+  const std::string marked = folder.Write("marked.bin", "XFB1" + RunProgram("convert - -", kForm).out.substr(4));
   const std::string told = "kestrix: " + bad + ":2:9: a value of Tag is expected, not \"=\"\n";
   folder.Write("out.bin", "old");
   const TRun run = RunProgram({"convert", bad, folder.Path("out.bin")});
@@ -105,7 +111,8 @@ TEST(ConvertCommand, TellsThePlaceAndWritesNothing) {
   EXPECT_EQ(run.code, kUserError);
   EXPECT_EQ(RunProgram({"convert", bad, bad}).err, "kestrix: " + bad + ": is also the input; nothing was written\n");
   EXPECT_EQ(folder.Read("out.bin"), "old");
-  EXPECT_EQ(folder.List(), "bad.kform cut.bin out.bin");
+  EXPECT_EQ(folder.List(), "bad.kform cut.bin marked.bin out.bin");
+  EXPECT_EQ(RunProgram({"convert", marked, "-"}).err.find("kestrix: " + marked + ": byte 0: this is no component"), 0u);
 
   const TRun check = RunProgram({"convert", "--check", cut, bad, "-"}, kForm);
   EXPECT_EQ(check.err.find("kestrix: " + cut + ": byte 30: the stream ends here; "), 0u) << check.err;
@@ -153,6 +160,7 @@ TEST(MessagesCommand, ShowsATranslationBesideTheTexts) {
   const TTestFolder folder;
   const std::string file =
       folder.Write("x.kres", "kestrix resources 1\nlanguage x\n14606 \"a\\nb\"\n99 \"more\"\nend\n");
+  EXPECT_NE(RunProgram({"messages", "--language", file}).out.find("\n 14606  Error\n        a␊b\n"), std::string::npos);
   const TRun run = RunProgram({"messages", "--language", file, "--format", "csv"});
   EXPECT_EQ(run.out.substr(0, 60), "Number,Text,x\n99,,more\n14605,Warning,\n14606,Error,\"a\nb\"\n1460") << run.err;
   EXPECT_EQ(RunProgram("messages --format json").out.substr(0, 38), "[\n{\"Number\": 14605, \"Text\": \"Warning\"}");

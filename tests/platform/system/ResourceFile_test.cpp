@@ -124,6 +124,7 @@ TEST(TranslationCheck, FindsEveryFault) {
       {"14672 \"Day\"", "7 \"x\"", "47:7? the system has no such text;0:14672! the text is missing (\"Day\");"},
       {"\"y\"", "\"W\"", "45:14670! the same unit of durations as 14664;"},
       {"\"y\"", "\"y2\"", "45:14670! a unit of durations with a digit can't be read again;"},
+      {"\"y\"", "\"y \"", "45:14670! a unit of durations with a blank at an end can't be read again;"},
   };
   for (const auto& each : cases) EXPECT_EQ(faults(each.from, each.to), each.found) << each.to;
   const auto german = CheckTranslationFile(KESTRIX_TESTS_DIR "/../languages/kestrix.de.kres");
