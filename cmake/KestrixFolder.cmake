@@ -17,8 +17,8 @@
 # needs a higher one does not link.
 #
 # Each source is compiled once, for both. The objects are position-independent also in a static build: they then fit into a
-# stranger's plug-in or extension, and ccache shares them between the two kinds. No difference was measurable in a static build
-# (docs/package.md has the figures): -fno-semantic-interposition lets the compiler inline our functions, which nobody replaces.
+# stranger's plug-in or extension, and ccache shares them between the two kinds. No difference was measurable in a static build:
+# -fno-semantic-interposition lets the compiler inline our functions, which nobody replaces.
 #
 # In a shared build a floor is another name for its component, so that class registry, locale, clock and texts exist once in a
 # program. Every symbol is visible: exceptions, class infos and the statics of templates are one and the same in all libraries

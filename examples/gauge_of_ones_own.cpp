@@ -1,10 +1,11 @@
-// A component of one's own: its table of published properties serves the palette, streams and property lists alike.
+// A component of one's own: its table of published properties serves forms, the palette and property lists alike.
 #include <iostream>
 
-#include "package/Package.h"
 #include "package/PaletteListing.h"
 #include "platform/component/ComponentStream.h"
 #include "platform/component/Published.h"
+
+using namespace vx;
 
 enum TGaugeShape { gsRound, gsBar };
 template <>
@@ -13,56 +14,46 @@ struct vx::TEnumInfo<TGaugeShape> {
   static constexpr std::string_view kNames[] = {"gsRound", "gsBar"};
 };
 
-class TGauge : public vx::TComponent {
+class TGauge : public TComponent {
  public:
   using TComponent::TComponent;
-  static const vx::TClass& StaticClass();
-  const vx::TClass& ClassType() const override { return StaticClass(); }
+  static const TClass& StaticClass();
+  const TClass& ClassType() const override { return StaticClass(); }
 
-  double GetLevel() const { return level_; }
+  TGauge* GetFollows() const { return follows_.Get(); }
+  void SetFollows(TGauge* other) { follows_ = other; }
   void SetLevel(double level) {
     level_ = level;
     OnChange(this);
   }
-  void Warn(vx::TObject*) { std::cout << Name() << " stands at " << level_ << '\n'; }
+  void Warn(TObject* sender) { std::cout << Cast<TGauge>(sender)->Name() << " has changed\n"; }
 
-  std::string Caption;
   TGaugeShape Shape = gsRound;
-  TGauge* Follows = nullptr;
-  vx::TNotifyEvent OnChange;
+  TNotifyEvent OnChange;
 
  private:
+  TComponentRef<TGauge> follows_;  // null as soon as that gauge is gone
   double level_ = 0;
 };
 
-const vx::TClass& TGauge::StaticClass() {
-  static const vx::TClass info = vx::TClassBuilder<TGauge>("TGauge", TComponent::StaticClass())
-                                     .Property("Caption", &TGauge::Caption)
-                                     .Property("Shape", &TGauge::Shape)
-                                     .Default(gsRound)
-                                     .Property("Follows", &TGauge::Follows)
-                                     .Property("OnChange", &TGauge::OnChange)
-                                     .Property("Level", &TGauge::GetLevel, &TGauge::SetLevel)
-                                     .Method("Warn", &TGauge::Warn)
-                                     .Build();
+const TClass& TGauge::StaticClass() {
+  static const TClass info = TClassBuilder<TGauge>("TGauge", TComponent::StaticClass())
+                                 .Property("Shape", &TGauge::Shape)
+                                 .Default(gsRound)
+                                 .Property("Follows", &TGauge::GetFollows, &TGauge::SetFollows)
+                                 .Property("OnChange", &TGauge::OnChange)
+                                 .Property("Level", &TGauge::level_, &TGauge::SetLevel)
+                                 .Method("Warn", &TGauge::Warn)
+                                 .Build();
   return info;
 }
 
-void Register() { vx::RegisterComponents("Mine", {&TGauge::StaticClass()}); }
-
 int main() {
-  const vx::TPackage package;
-  const vx::TStartedUnits mine({&Register});
-
-  // Handlers are the root's own; names are looked up when all is read.
-  const vx::TOwned<vx::TComponent> stock = vx::TextToComponent(R"(object Stock: TGauge
-  Shape = gsBar
-  OnChange = Warn
-  Level = 12.5
-  object Reserve: TGauge
-    Follows = Stock
-  end
-end
-)");
-  std::cout << vx::ComponentToText(*stock) << '\n' << vx::PaletteText(vx::ListPalette());
+  RegisterComponents("Mine", {&TGauge::StaticClass()});  // known by name, and on a page of the palette
+  const TOwned<TComponent> stock = TextToComponent(R"(
+    object Stock: TGauge
+      Shape = gsBar  OnChange = Warn  Level = 12.5      // a handler is a method of the root: of Stock
+      object Reserve: TGauge  Follows = Stock  OnChange = Warn  Level = 3.0 end
+    end)");
+  std::cout << ComponentToText(*stock) << '\n' << PaletteText(ListPalette());
 }
