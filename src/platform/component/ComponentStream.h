@@ -38,7 +38,8 @@
 // declared default, what a fresh object has counts as the default only where it is also empty (0.0, no text, no object,
 // no handler): so an emptied text is written wherever a fresh object isn't empty.
 //
-// Cost: linear, some 0.5 microseconds a component each way, and 60 bytes a component while reading.
+// Cost: linear; `./dev bench streams`: some 0.4 microseconds a component written, 1.1 read, in binary. While reading,
+// memory for twice the finished tree.
 #pragma once
 
 #include <functional>

@@ -103,7 +103,7 @@ inline constexpr std::uint8_t kStreamItem = 1;  ///< begins an item of a collect
 bool IsStreamIdentifier(std::string_view name);
 /// Identifiers joined by points.
 bool IsStreamPath(std::string_view name);
-/// CRC-32 as in ISO 3309 (polynomial EDB88320 reflected, begun and ended with all bits set). 1.5 GB/s or better.
+/// CRC-32 as in ISO 3309 (polynomial EDB88320 reflected, begun and ended with all bits set).
 std::uint32_t Crc32(std::string_view bytes);
 
 /// Puts the bytes of a stream together. What it is given is known to fit: names are paths of at most kMaxStreamName.

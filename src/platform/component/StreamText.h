@@ -38,7 +38,7 @@
 // a line gets full. Characters that no one sees are written by number: controls, line and paragraph separators, marks
 // of direction, U+FEFF, and what is no character.
 //
-// Cost: linear; some 300 MB of text a second. TextToBinary gives at most 3 bytes for each of the text and 12 more,
+// Cost: linear. TextToBinary gives at most 3 bytes for each of the text and 12 more,
 // BinaryToText at most 50 for each of the stream; neither needs memory for more than that and one text or block.
 #pragma once
 
