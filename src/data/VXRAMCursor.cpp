@@ -87,8 +87,10 @@ void TVXRAMCursor::AfterConstruction() {
 void TVXRAMCursor::TearDown() {
   table_->CursorFreed(this);
   filter_->OnChange = nullptr;
+  onFilterRecord_ = nullptr;  // whoever it belongs to may have gone while it was being asked
   // Kept: the owner comes to know the table when a cursor goes, not when it is opened.
   if (TComponent* const owner = owner_.Get()) owner->FreeNotification(table_);
+  if (auto* const owner = owner_.As<IRecordOwner>()) owner->CursorClosed(this);
   TPersistent::TearDown();
 }
 

@@ -31,6 +31,7 @@
 
 namespace vx {
 
+class TVXRAMCursor;
 class TVXRAMIndex;
 class TVXRAMIndexDef;
 
@@ -43,6 +44,8 @@ inline constexpr std::int32_t kAtEnd = -2;
 class IRecordOwner {
  public:
   virtual void Refresh() = 0;
+  /// A cursor of this owner is going, whoever frees it: nobody must touch it any more. Must not raise.
+  virtual void CursorClosed(TVXRAMCursor* cursor) { static_cast<void>(cursor); }
 
  protected:
   ~IRecordOwner() = default;

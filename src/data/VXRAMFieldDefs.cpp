@@ -142,6 +142,7 @@ void TVXRAMFieldDefs::Set_Item(std::int32_t index, const TVXRAMFieldDef* value) 
 
 void TVXRAMFieldDefs::LayoutChanged() {
   layoutIsKnown_ = false;
+  ++layoutChanges_;
   if (table_ != nullptr) table_->RaiseChangeStamp();
 }
 

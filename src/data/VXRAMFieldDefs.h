@@ -122,6 +122,8 @@ class TVXRAMFieldDefs : public TCollection {
   /// Raises ERAMTableError that names the field if a size is negative or the row would be longer than 2^31 - 1 bytes.
   void CheckLayout() const;
   void LayoutChanged();
+  /// Raised by every change of the definitions: who keeps slots looks here whether they still hold.
+  std::uint64_t Get_LayoutChanges() const { return layoutChanges_; }
 
  protected:
   void ItemsMoved() override { LayoutChanged(); }
@@ -130,6 +132,7 @@ class TVXRAMFieldDefs : public TCollection {
   void ComputeLayout() const;
 
   TVXRAMTable* table_;
+  std::uint64_t layoutChanges_ = 0;
   mutable bool layoutIsKnown_ = false;
   mutable bool layoutIsSound_ = false;
   mutable std::int32_t recSize_ = kFirstFieldOffset;

@@ -186,6 +186,7 @@ class TVXRAMTable : public TComponent {
 
  private:
   friend class TTableOperation;
+  friend class TVXMemoryDataset;  // refreshes when the table is idle
   friend class TVXRAMBucketList;
   friend class TVXRAMCursor;
   friend class TVXRAMCursorBucketer;

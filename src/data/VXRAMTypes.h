@@ -54,6 +54,13 @@ enum TVXRecordStatus : std::uint8_t { vxrsActive, vxrsDeleted };
 enum TVXFieldStatus : std::uint8_t { vxfsNull, vxfsAssigned };
 enum TVXRAMCursorOrder : std::uint8_t { vxrcoAscending, vxrcoDescending };
 
+template <>
+struct TEnumInfo<TVXRAMCursorOrder> {
+  static constexpr std::string_view kTypeName = "TVXRAMCursorOrder";
+  static constexpr std::string_view kPrefix = "vxrco";
+  static constexpr std::string_view kNames[] = {"vxrcoAscending", "vxrcoDescending"};
+};
+
 // -- Rows -------------------------------------------------------------------------------------------------------------
 
 /// One row. Pointers to it come from a table; there is nothing to see in it from outside.

@@ -20,13 +20,23 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
+#include "platform/component/EnumInfo.h"
 #include "platform/runtime/DateTime.h"
 
 namespace vx {
 
 /// Size of a group, from fine to coarse. The order is the ordinal and is streamed.
 enum TVXGroupMode : std::uint8_t { vxgrOneDay, vxgrOneWeek, vxgrOneMonth, vxgrOneYear, vxgrOneCentury };
+
+template <>
+struct TEnumInfo<TVXGroupMode> {
+  static constexpr std::string_view kTypeName = "TVXGroupMode";
+  static constexpr std::string_view kPrefix = "vxgr";
+  static constexpr std::string_view kNames[] = {"vxgrOneDay", "vxgrOneWeek", "vxgrOneMonth", "vxgrOneYear",
+                                                "vxgrOneCentury"};
+};
 
 /// What is known of a mode.
 struct TVXGroupInfo {

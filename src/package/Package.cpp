@@ -6,8 +6,15 @@
 #include <map>
 #include <memory>
 
+#include "data/VXLookupDataSet_CMP.h"
+#include "data/VXMemoryDatasetBucketer_CMP.h"
+#include "data/VXMemoryDataset_CMP.h"
+#include "data/VXRAMIndexDef_FieldProperty_UNT.h"
 #include "data/VXRAMTable_CMP.h"
+#include "data/VXRscStringDataSet_CMP.h"
 #include "platform/component/Component.h"
+#include "platform/dataset/DataLink.h"
+#include "platform/dataset/Field.h"
 
 namespace vx {
 
@@ -15,8 +22,16 @@ namespace {
 
 /// Every unit that has a Register, floor by floor from the ground up.
 constexpr TUnitStart kUnits[] = {
+    // platform
+    &RegisterFields,
+    &RegisterDataSource,
     // data
     &VXRAMTable_CMP::Register,
+    &VXRAMIndexDef_FieldProperty_UNT::Register,
+    &VXMemoryDataset_CMP::Register,
+    &VXMemoryDatasetBucketer_CMP::Register,
+    &VXRscStringDataSet_CMP::Register,
+    &VXLookupDataSet_CMP::Register,
 };
 
 /// The classes that are known, each with its page.

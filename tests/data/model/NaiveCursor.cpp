@@ -227,12 +227,14 @@ void TCursor::FilterRows(const TRows& source) {
   for (std::size_t i = 0; i < source.size(); ++i) {
     bool match = true;
     if (filterField != nullptr && !std::holds_alternative<TNull>(filterValue)) match = IsRecordMatchFilter(*source[i]);
-    if (match && onFilter.code != 0) {
-      table.log.push_back(name + " asks for " + std::to_string(source[i]->id) + " at " + std::to_string(i));
-      match = onFilter.Accepts(source[i]->id, static_cast<std::int32_t>(i));
-    }
+    if (match && onFilter.code != 0) match = Accepts(*source[i], static_cast<std::int32_t>(i));
     if (match) filtered.push_back(source[i]);
   }
+}
+
+bool TCursor::Accepts(const TRow& row, std::int32_t position) const {
+  table.log.push_back(name + " asks for " + std::to_string(row.id) + " at " + std::to_string(position));
+  return onFilter.Accepts(row.id, position);
 }
 
 bool TCursor::IsRecordMatchFilter(const TRow& row) const {

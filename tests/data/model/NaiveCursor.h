@@ -109,6 +109,8 @@ class TCursor {
 
  protected:
   virtual void FilterChange();
+  /// What the record callback says of a row of the source.
+  virtual bool Accepts(const TRow& row, std::int32_t position) const;
   virtual void StartUpdating() { Log("start updating"); }
   virtual void EndUpdating() { Log("end updating"); }
   void InternalDoSort() { Sort(sortedField); }
