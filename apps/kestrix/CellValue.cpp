@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "platform/dataset/Field.h"
 #include "platform/runtime/DateTime.h"
 #include "platform/runtime/Text.h"
 
@@ -93,7 +94,8 @@ TCellValue CellOfText(std::string_view text, TColumnType type, TDateOrder order,
       const auto date = ReadDate(text, order);
       if (!date) return {};
       const bool hasTime = type == TColumnType::DateTime;
-      return TMoment{hasTime ? date->days : std::trunc(date->days), hasTime};
+      // A whole number of milliseconds, as a data set's fields give it back, so that equal moments stay equal.
+      return TMoment{hasTime ? NativeToDateTime(DateTimeToNative(date->days)) : std::trunc(date->days), hasTime};
     }
     case TColumnType::Text:
       break;

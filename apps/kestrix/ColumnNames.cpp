@@ -101,4 +101,14 @@ std::vector<std::size_t> NeedHeadings(const std::vector<std::string>& headings, 
   return found;
 }
 
+std::pair<std::size_t, std::string_view> NeedHeadingAndValue(const std::vector<std::string>& headings,
+                                                             const char* option, std::string_view text) {
+  const std::size_t first = text.find('=');
+  if (first == std::string_view::npos)
+    throw EUserError(std::string(option) + " " + Quoted(text) + " should be COLUMN=VALUE");
+  for (std::size_t at = first; at != std::string_view::npos; at = text.find('=', at + 1))
+    if (const auto column = FindHeading(headings, text.substr(0, at))) return {*column, Trimmed(text.substr(at + 1))};
+  return {NeedHeading(headings, text.substr(0, first)), {}};
+}
+
 }  // namespace vx::kestrix

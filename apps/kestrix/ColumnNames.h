@@ -13,6 +13,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace vx::kestrix {
@@ -31,5 +32,11 @@ std::size_t NeedHeading(const std::vector<std::string>& headings, std::string_vi
 /// "Order Year, Order Month": positions of all headings named, between them one of the separators. A heading that holds
 /// a separator itself is found too. Raises EUserError for an unknown or empty name.
 std::vector<std::size_t> NeedHeadings(const std::vector<std::string>& headings, std::string_view names, char separator);
+
+/// "Product Name=Nike*" taken apart: the column, and the text behind the sign without blanks around it. At the first
+/// "=" with a heading before it, since headings may hold one. Raises EUserError, which calls the text what `option`
+/// says.
+std::pair<std::size_t, std::string_view> NeedHeadingAndValue(const std::vector<std::string>& headings,
+                                                             const char* option, std::string_view text);
 
 }  // namespace vx::kestrix

@@ -70,6 +70,12 @@ TColumnPlan PlanColumns(TCsvSource& source, const TTypeWishes& wishes) {
   return plan;
 }
 
+std::vector<std::string> HeadingsOfPlan(const TColumnPlan& plan) {
+  std::vector<std::string> headings;
+  for (const TColumn& column : plan.columns) headings.push_back(column.heading);
+  return headings;
+}
+
 std::pair<std::string, TColumnType> ParseTypeWish(std::string_view wish) {
   const std::size_t equals = wish.rfind('=');
   if (equals == std::string_view::npos) throw EUserError("--type " + Quoted(wish) + " should be COLUMN=TYPE");

@@ -45,6 +45,8 @@ struct TColumnPlan {
 /// Raises EUserError for a wish about an unknown column, and for bad records as TCsvSource::ForEach does.
 TColumnPlan PlanColumns(TCsvSource& source, const TTypeWishes& wishes);
 
+std::vector<std::string> HeadingsOfPlan(const TColumnPlan& plan);
+
 /// "Order ID=string" taken apart. Raises EUserError for an unknown type.
 std::pair<std::string, TColumnType> ParseTypeWish(std::string_view wish);
 

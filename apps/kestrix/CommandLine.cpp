@@ -25,6 +25,7 @@ constexpr const char* kExamples = R"(Examples:
   kestrix table orders.csv --where "Customer Market=Europe" --sort "Profit.D;Order ID" --limit 10
   kestrix table orders.csv --where "Discount % is null" --columns "Order ID,Profit" --format json
   kestrix table orders.csv --stats
+  kestrix table orders.csv --where "Profit<0" --set "Discount %=0" -o mended.csv
   kestrix bucket orders.csv --date "Order Date" --by week --group Department --sum Quantity --average Profit
   kestrix chart orders.csv --date "Order Year,Order Month,Order Day" --value "Order Quantity" \
       --series "Product Department" --by month -o out.png

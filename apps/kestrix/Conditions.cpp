@@ -72,12 +72,6 @@ TParts Split(std::string_view text, const std::vector<std::string>& headings) {
   return *bySign;
 }
 
-std::vector<std::string> HeadingsOfPlan(const TColumnPlan& plan) {
-  std::vector<std::string> headings;
-  for (const TColumn& column : plan.columns) headings.push_back(column.heading);
-  return headings;
-}
-
 bool OrderFits(TOperator op, std::int32_t order) {
   switch (op) {
     case TOperator::Less:

@@ -61,6 +61,8 @@ class TCsvReader {
   bool Next();
   /// The fields of the record, unquoted; valid until the next call of Next.
   const std::vector<std::string_view>& Fields() const { return fields_; }
+  /// The record as it stands in the text, with its line end.
+  std::string_view RecordText() const { return text_.substr(recordStart_, at_ - recordStart_); }
   /// Line on which the record begins, from 1.
   std::size_t Line() const { return recordLine_; }
   /// Bytes behind the reader, for showing progress.

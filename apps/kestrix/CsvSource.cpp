@@ -26,7 +26,9 @@ void TCsvSource::Add(const std::string& name, std::string bytes) {
   TDecodedText decoded = DecodeText(std::move(bytes));
   if (!decoded.remark.empty()) Remark({name, decoded.line, {}}, decoded.remark);
   if (decoded.text.find_first_not_of("\r\n") == std::string::npos) throw EUserError({name, 0, {}}, "the file is empty");
-  TFile file{name, std::move(decoded.text)};
+  TFile file{.name = name, .text = std::move(decoded.text)};
+  file.isAsItWas = decoded.isAsItWas;
+  file.hadMark = decoded.hadMark;
   file.separator = options_.separator.value_or(DetectSeparator(file.text));
   file.hasHeader = options_.hasHeader.value_or(DetectHeader(file.text, file.separator, options_.nulls));
   SetColumns(file);
@@ -54,10 +56,6 @@ bool TCsvSource::MayHaveDecimalComma() const {
   return std::none_of(files_.begin(), files_.end(), [](const TFile& file) { return file.separator == ','; });
 }
 
-const std::string& TCsvSource::Name() const {
-  return Need(files_.empty() ? nullptr : &files_.front(), "input file").name;
-}
-
 // -- Walking ----------------------------------------------------------------------------------------------------------
 
 void TCsvSource::ForEach(const std::function<void(const TCsvRecord&)>& use) {
@@ -75,7 +73,7 @@ void TCsvSource::Walk(const TFile& file, std::size_t bytesBefore, const std::fun
   TCsvReader reader(file.text, file.separator, options_.limits);
   if (file.hasHeader) reader.Next();
   for (std::size_t count = 0; ReadRecord(reader, file); ++count) {
-    UseRecord({reader.Fields(), file.name, reader.Line()}, use);
+    UseRecord({reader.Fields(), file.name, reader.Line(), reader.RecordText()}, use);
     if (count % kRecordsPerReport == 0) ReportProgress(bytesBefore + reader.Position());
   }
 }

@@ -40,6 +40,7 @@ struct TCsvRecord {
   const std::vector<std::string_view>& cells;
   const std::string& file;
   std::size_t line;
+  std::string_view text;  ///< as it stands in the file's text, with its line end
 };
 
 class TCsvSource {
@@ -57,7 +58,13 @@ class TCsvSource {
   /// None of the files is separated by commas, so that a comma may be a decimal one.
   bool MayHaveDecimalComma() const;
   /// Name of the first file, for messages about all of them.
-  const std::string& Name() const;
+  const std::string& Name() const { return First().name; }
+  // Of the first file, for writing it again:
+  const std::string& Text() const { return First().text; }
+  char Separator() const { return First().separator; }
+  /// Text() is the file's bytes, but for a mark of UTF-8.
+  bool IsAsItWas() const { return First().isAsItWas; }
+  bool HadMark() const { return First().hadMark; }
 
   /// Calls `use` with each record in order. May be called again.
   void ForEach(const std::function<void(const TCsvRecord&)>& use);
@@ -76,7 +83,11 @@ class TCsvSource {
     std::string text;
     char separator = ',';
     bool hasHeader = true;
+    bool isAsItWas = true;
+    bool hadMark = false;
   };
+
+  const TFile& First() const { return Need(files_.empty() ? nullptr : &files_.front(), "input file"); }
 
   void SetColumns(const TFile& file);
   void Walk(const TFile& file, std::size_t bytesBefore, const std::function<void(const TCsvRecord&)>& use);

@@ -12,7 +12,6 @@ namespace vx::kestrix {
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
-constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 
 /// 0x80 to 0x9F of the Western code page; the five holes have no meaning.
 constexpr std::array<char16_t, 32> kWestern = {0x20AC, 0xFFFD, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
@@ -108,8 +107,9 @@ std::string FromUtf16(std::string_view bytes, std::size_t high) {
 TDecodedText DecodeText(std::string bytes) {
   if (bytes.starts_with("\xFF\xFE")) return {FromUtf16(bytes, 1), 0, {}};
   if (bytes.starts_with("\xFE\xFF")) return {FromUtf16(bytes, 0), 0, {}};
-  if (bytes.starts_with(kUtf8Mark)) bytes.erase(0, kUtf8Mark.size());
-  if (IsValidUtf8(bytes)) return {std::move(bytes), 0, {}};
+  const bool hasMark = bytes.starts_with(kUtf8Mark);
+  if (hasMark) bytes.erase(0, kUtf8Mark.size());
+  if (IsValidUtf8(bytes)) return {std::move(bytes), 0, {}, true, hasMark};
   return Mended(bytes, Survey(bytes));
 }
 

@@ -13,15 +13,21 @@
 // doubt.
 #pragma once
 
+#include <cstddef>
 #include <string>
+#include <string_view>
 
 namespace vx::kestrix {
 
 struct TDecodedText {
-  std::string text;      ///< well-formed UTF-8 without a mark
-  std::size_t line = 0;  ///< first line that was not as it should be; 0 if all was
-  std::string remark;    ///< what was done about it, for the user; empty if nothing was
+  std::string text;        ///< well-formed UTF-8 without a mark
+  std::size_t line = 0;    ///< first line that was not as it should be; 0 if all was
+  std::string remark;      ///< what was done about it, for the user; empty if nothing was
+  bool isAsItWas = false;  ///< with the mark of UTF-8 before it, if there was one, `text` is the file's bytes
+  bool hadMark = false;    ///< of UTF-8
 };
+
+inline constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 
 /// O(size). Well-formed UTF-8 isn't copied.
 TDecodedText DecodeText(std::string bytes);

@@ -75,26 +75,27 @@ void TFoldTable::Add(TDateTime date, std::int32_t group, const std::vector<TCell
 // -- Buckets out ------------------------------------------------------------------------------------------------------
 
 TBuckets::TBuckets(TFoldTable& table, const TFoldWish& wish)
-    : table_(table.Table()), reader_(table.Table(), table.Plan()) {
-  const std::string& date = table.Plan().columns[kFoldDate].field;
-  const std::string& group = table.Plan().columns[kFoldGroup].field;
-  auto folds = Make<TVXBucketFieldDefs>(nullptr);
-  for (const auto& [column, type] : wish.folds) folds->Add(table.Plan().columns[column].field, type);
-  const std::string sort = wish.sort + (wish.sort.empty() ? "" : ";") + Both(date, group, ".A");
-  auto desc = Make<TVXRAMCursorBucketerDesc>(nullptr, -1, wish.order, sort, nullptr, Variant(), folds.get(), vxgrOneDay,
-                                             wish.by, wish.isByGroup ? Both(date, group) : date, !wish.isLabelledAtEnd);
-  table_.OpenCursor(TClassOf<TVXRAMCursor>::Of<TVXRAMCursorBucketer>(), desc.get(), cursor_);
-  cursor_->GoToFirstRec();
+    : set_(Make<TRecordSet<TVXMemoryDatasetBucketer>>(table.Table(), table.Plan())) {
+  const std::vector<TColumn>& columns = table.Plan().columns;
+  const std::string& date = columns[kFoldDate].field;
+  const std::string& group = columns[kFoldGroup].field;
+  for (const auto& [column, type] : wish.folds) set_->Get_BucketFieldDefs()->Add(columns[column].field, type);
+  set_->SetBucketedField(wish.isByGroup ? Both(date, group) : date);
+  set_->SetGroupMode(wish.by);
+  set_->SetShowStartOfGroup(!wish.isLabelledAtEnd);
+  set_->SetSortedField(wish.sort + (wish.sort.empty() ? "" : ";") + Both(date, group, ".A"));
+  set_->Set_CursorOrder(wish.order);
+  set_->Open();
 }
 
 bool TBuckets::Next() {
   CheckInterrupt();
-  return cursor_->GoToNextRec() == kDone;
+  if (std::exchange(hasBegun_, true)) set_->Next();
+  return !set_->Eof();
 }
 
 std::int32_t TBuckets::RecordCount() const {
-  const auto& bucketer = *Cast<TVXRAMCursorBucketer>(cursor_);
-  return bucketer.FindBucketInfoByBucketRecord(cursor_->Get_CurrentRecord())->Get_RecordCount();
+  return set_->Get_CursorBucketer()->FindBucketInfoByBucketRecord(set_->Row())->Get_RecordCount();
 }
 
 }  // namespace vx::kestrix

@@ -1,6 +1,6 @@
 // Folding.h: records folded by period and group. What charts and tables of periods share.
 //
-// Folding is the work of a cursor bucketer over a table of (date, number of the group, values …); here the rows go in
+// Folding is the work of a bucketed data set over a table of (date, number of the group, values …); here the rows go in
 // and the buckets come out.
 //
 //   const TColumnPlan plan = PlanOfFold("Ordered", {FoldColumn("Profit", TColumnType::Float)}, records);
@@ -25,8 +25,8 @@
 
 #include "CellValue.h"
 #include "ColumnPlan.h"
+#include "RecordSet.h"
 #include "TableLoader.h"
-#include "data/VXRAMCursorBucketer_CMP.h"
 #include "datetime/VXDateGroup_UNT.h"
 
 namespace vx::kestrix {
@@ -91,25 +91,21 @@ struct TFoldWish {
   TVXRAMCursorOrder order = vxrcoAscending;
 };
 
-/// An open bucketer, closed at the end of the scope. It stands before the first bucket.
+/// The buckets as the records of a data set. It stands before the first.
 class TBuckets {
  public:
   /// The dates are such that DateOf answers for this period.
   TBuckets(TFoldTable& table, const TFoldWish& wish);
-  ~TBuckets() { table_.CloseCursor(cursor_); }
-  TBuckets(const TBuckets&) = delete;
-  TBuckets& operator=(const TBuckets&) = delete;
 
   /// Raises EInterrupted.
   bool Next();
   /// Null where all records of the bucket are.
-  TCellValue Value(std::size_t column) const { return reader_.Value(cursor_->Get_CurrentRecord(), column); }
+  TCellValue Value(std::size_t column) const { return set_->Value(column); }
   std::int32_t RecordCount() const;
 
  private:
-  TVXRAMTable& table_;
-  TRowReader reader_;
-  TVXRAMCursor* cursor_ = nullptr;
+  TOwned<TRecordSet<TVXMemoryDatasetBucketer>> set_;
+  bool hasBegun_ = false;
 };
 
 }  // namespace vx::kestrix

@@ -43,8 +43,7 @@ std::optional<TSortItem> ItemOf(std::string_view text, const std::vector<std::st
 }  // namespace
 
 std::string SortSpecification(std::string_view text, const TColumnPlan& plan) {
-  std::vector<std::string> headings;
-  for (const TColumn& column : plan.columns) headings.push_back(column.heading);
+  const std::vector<std::string> headings = HeadingsOfPlan(plan);
   std::string sort;
   while (!text.empty()) {
     // The longest beginning that is an item, since headings may hold semicolons.

@@ -147,6 +147,8 @@ TOwned<TVXRAMTable> LoadTable(TCsvSource& source, const TColumnPlan& plan, const
   return table;
 }
 
+std::int32_t SlotSize(const TColumn& column) { return static_cast<std::int32_t>(SlotOf(column)); }
+
 void AssignCell(TVXFieldStruct& field, const TCellValue& value) {
   field.IsNull = true;
   if (const auto* isTrue = std::get_if<bool>(&value)) field.AssignValue<std::uint8_t>(*isTrue ? 1 : 0);

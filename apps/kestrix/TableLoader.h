@@ -40,6 +40,9 @@ TOwned<TVXRAMTable> LoadTable(TCsvSource& source, const TColumnPlan& plan, const
 /// `source`.
 TCellValue ReadCell(const TCsvSource& source, const TColumnPlan& plan, const TCsvRecord& record, std::size_t column);
 
+/// Bytes that a row has for the column's value.
+std::int32_t SlotSize(const TColumn& column);
+
 /// Puts a value of the field's type into a record that is to be added.
 void AssignCell(TVXFieldStruct& field, const TCellValue& value);
 

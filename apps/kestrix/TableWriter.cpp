@@ -108,20 +108,9 @@ class TSeparatedWriter : public ITableWriter {
   void WriteLine(const std::vector<std::string>& cells) {
     for (std::size_t i = 0; i < cells.size(); ++i) {
       if (i > 0) out_ << separator_;
-      // An empty cell alone on its line would be no record to a reader.
-      WriteCell(cells[i], cells.size() == 1 && cells[i].empty());
+      out_ << SeparatedText(cells[i], separator_, cells.size() == 1);
     }
     out_ << '\n';
-  }
-
-  void WriteCell(const std::string& cell, bool mustBeQuoted) {
-    if (!mustBeQuoted && cell.find_first_of(std::string{separator_, '"', '\r', '\n'}) == std::string::npos) {
-      out_ << cell;
-      return;
-    }
-    out_ << '"';
-    for (const char c : cell) c == '"' ? out_ << "\"\"" : out_ << c;
-    out_ << '"';
   }
 
   std::ostream& out_;
@@ -129,13 +118,6 @@ class TSeparatedWriter : public ITableWriter {
 };
 
 // -- JSON -------------------------------------------------------------------------------------------------------------
-
-std::string JsonValue(const TCellValue& value) {
-  if (IsNull(value)) return "null";
-  if (const auto* isTrue = std::get_if<bool>(&value)) return *isTrue ? "true" : "false";
-  const bool isNumber = std::holds_alternative<std::int32_t>(value) || std::holds_alternative<double>(value);
-  return isNumber ? CellText(value) : JsonText(CellText(value));
-}
 
 class TJsonWriter : public ITableWriter {
  public:
@@ -167,6 +149,21 @@ constexpr std::array<std::pair<std::string_view, TTableFormat>, 4> kFormats = {{
                                                                                 {"json", TTableFormat::Json}}};
 
 }  // namespace
+
+std::string SeparatedText(const std::string& cell, char separator, bool isAlone) {
+  const bool isPlain = cell.find_first_of(std::string{separator, '"', '\r', '\n'}) == std::string::npos;
+  if (isPlain && !(isAlone && cell.empty())) return cell;
+  std::string text = "\"";
+  for (const char c : cell) text.append(c == '"' ? 2 : 1, c);
+  return text + '"';
+}
+
+std::string JsonValue(const TCellValue& value) {
+  if (IsNull(value)) return "null";
+  if (const auto* isTrue = std::get_if<bool>(&value)) return *isTrue ? "true" : "false";
+  const bool isNumber = std::holds_alternative<std::int32_t>(value) || std::holds_alternative<double>(value);
+  return isNumber ? CellText(value) : JsonText(CellText(value));
+}
 
 std::optional<TTableFormat> FormatOfName(std::string_view name) {
   for (const auto& [known, format] : kFormats)

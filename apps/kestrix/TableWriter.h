@@ -40,6 +40,12 @@ class ITableWriter {
   virtual void End() = 0;
 };
 
+/// A cell of separated values, in quotes where they are needed. An empty one alone on its line is: it would be no
+/// record to a reader.
+std::string SeparatedText(const std::string& cell, char separator, bool isAlone);
+/// A cell as JSON has it: a number, true, false, null or a text.
+std::string JsonValue(const TCellValue& value);
+
 /// `out` must outlive the writer. An aligned table is held in memory until End; the others are written at once.
 std::unique_ptr<ITableWriter> MakeTableWriter(TTableFormat format, std::ostream& out);
 
