@@ -370,6 +370,13 @@ void TVXMemoryDataset::SetRecordData(const TField& field, const TSlot& slot, cha
   PutState(buffer, slot, vxmdfsModified);
 }
 
+/// What is written into a field that the table has lost would be lost at the post.
+void TVXMemoryDataset::CheckHeld(const TField& field, const TSlot& slot) {
+  const TVXRAMTable* const table = GetRAMTable();
+  if (table != nullptr && layout_ != table->Get_FieldDefs()->Get_LayoutChanges()) UpdateSlots();
+  if (slot.Position < 0) RaiseError("The table has no field " + field.FieldName() + " of that type any more");
+}
+
 void TVXMemoryDataset::SetFieldData(TField& field, const void* buffer) {
   const TDataSetState state = State();
   if (state == dsInactive || state == dsBrowse || state == dsOldValue || state == dsCurValue)
@@ -384,6 +391,7 @@ void TVXMemoryDataset::SetFieldData(TField& field, const void* buffer) {
     if (field.FieldKind() == fkInternalCalc) return;
     const TSlot& slot = Need(SlotOf(field), "definition of the field");
     char* const at = &Need(record, "record buffer");
+    if (buffer != nullptr) CheckHeld(field, slot);
     if (buffer != nullptr)
       SetRecordData(field, slot, at, buffer);
     else if (!ReadsAsNull(at, slot))

@@ -268,6 +268,7 @@ class TVXMemoryDataset : public TDataSet, public IRecordOwner {
   // slots
   TVXRAMCursor& NeedCursor() const;
   void UpdateSlots();
+  void CheckHeld(const TField& field, const TSlot& slot);
   const TSlot* SlotOf(const TField& field);
   static TVXMemoryDatasetFieldState StateOf(const char* buffer, const TSlot& slot);
   static void PutState(char* buffer, const TSlot& slot, TVXMemoryDatasetFieldState state);

@@ -496,6 +496,9 @@ TEST(MemoryDataset, OutlivesItsTableAndItsDefinitions) {
   EXPECT_TRUE(sets[0]->FieldByName("Load")->IsNull());
   EditAndPost(*sets[0], "Name", "bit");
   EXPECT_EQ(sets[0]->FieldByName("Name")->GetAsString(), "bi") << "cut as the row is now";
+  EXPECT_NE(Raised([&] { EditAndPost(*sets[0], "Load", 5); }).find("has no field Load of that type"),
+            std::string::npos);
+  sets[0]->Cancel();
 
   sets[1]->BeforeClose = [](TDataSet*) { throw Exception("never"); };
   table.reset();

@@ -177,7 +177,7 @@ void TDataSet::CloseSet() {
     const TSwitched switching(switching_);
     DoBeforeClose();
     state_ = dsInactive;
-    modified_ = refreshWaits_ = false;
+    modified_ = refreshWaits_ = countWaits_ = false;
     ++epoch_;
     error.Run([&] { DataEvent(deUpdateState); });
     error.Run([&] { CloseCursor(); });
@@ -190,7 +190,7 @@ void TDataSet::CloseQuietly() noexcept {
   if (state_ == dsInactive && buffers_.empty()) return;
   const TMemoryKeeper<TComponent> keep(this);
   state_ = dsInactive;
-  modified_ = refreshWaits_ = false;
+  modified_ = refreshWaits_ = countWaits_ = false;
   ++epoch_;
   TFirstError dropped;
   dropped.Run([&] { DataEvent(deUpdateState); });

@@ -523,6 +523,7 @@ class TDataSet : public TComponent {
   bool bof_ = true, eof_ = true, modified_ = false, defaultFields_ = true, autoCalcFields_ = true, filtered_ = false;
   bool openWaits_ = false;     // for Loaded()
   bool refreshWaits_ = false;  // until it browses
+  bool countWaits_ = false;    // likewise, for the number of buffers that links wish
   bool switching_ = false;     // it is being opened or closed
   bool atWork_ = false;        // InternalPost or InternalDelete is running, and ends with fetching anew
   bool muted_ = false;         // many fields are written: links hear of all at once

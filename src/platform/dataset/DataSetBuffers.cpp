@@ -153,6 +153,10 @@ std::int32_t TDataSet::WishedBufferCount() const {
 
 void TDataSet::UpdateBufferCount() {
   if (!GetActive() || buffers_.empty()) return;
+  if (state_ > dsSetKey) {  // in a handler that is asked while a record is read: the buffers stay as they are
+    countWaits_ = refreshWaits_ = true;
+    return;
+  }
   const std::int32_t count = WishedBufferCount();
   if (count < bufferCount_) ShrinkBuffers(count);
   if (count > bufferCount_) GrowBuffers(count);

@@ -3,6 +3,7 @@
 // The state, the buffers and the cursor change together and before anybody is told, so that a handler always meets a
 // set that is whole, and an error from one doesn't leave half a change behind.
 #include <algorithm>
+#include <utility>
 
 #include "platform/dataset/DataLink.h"
 #include "platform/dataset/DataSet.h"
@@ -15,6 +16,7 @@ void TDataSet::CheckBrowseMode() {
   if (state_ == dsBrowse && sources_.Empty() && !refreshWaits_ && !atWork_) return;
   const TCall work(*this);
   if (atWork_) RaiseError("Not possible while a record is written");
+  if (state_ == dsBrowse && std::exchange(countWaits_, false)) UpdateBufferCount();
   if (refreshWaits_ && state_ == dsBrowse) RefreshNow();
   DataEvent(deCheckBrowseMode);
   CheckActive();
