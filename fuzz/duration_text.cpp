@@ -8,6 +8,7 @@
 #include <cstring>
 #include <optional>
 
+#include "DurationPlace.h"
 #include "Property.h"
 #include "datetime/VXDateFunc_UNT.h"
 #include "platform/runtime/Locale.h"
@@ -145,11 +146,7 @@ void HoldNumber(const TTyped& typed) {
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size < 2) return 0;
-  TLocaleSettings settings = ClassicLocale();
-  const bool isLower = (data[0] & 0x20u) != 0;
-  settings.DecimalSeparator = isLower ? '.' : ',';
-  settings.ThousandSeparator = isLower ? ',' : '.';
-  const TLocaleScope place(settings);
+  const TLocaleScope place(vx::fuzz::PlaceOf(data[0]));
   const std::string_view input = vx::fuzz::TextOf(data, size);
   const auto decimals = static_cast<std::int32_t>(((data[0] & 0x1Fu) + 31u) % 32u % 19u);
   const TTyped typed{input.substr(2), static_cast<TVXDurUnit>(data[1] % 8u), decimals, input};

@@ -13,9 +13,9 @@
 #include <string_view>
 #include <vector>
 
+#include "DurationPlace.h"
 #include "Property.h"
 #include "base/VXResMsgsUtils_UNT.h"
-#include "platform/runtime/Locale.h"
 #include "platform/runtime/NumberText.h"
 
 namespace {
@@ -178,11 +178,7 @@ void HoldExtracts(const TUse& use) {
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size < 2) return 0;
-  TLocaleSettings settings = ClassicLocale();
-  const bool isLower = (data[0] & 0x20u) != 0;
-  settings.DecimalSeparator = isLower ? '.' : ',';
-  settings.ThousandSeparator = isLower ? ',' : '.';
-  const TLocaleScope place(settings);
+  const TLocaleScope place(vx::fuzz::PlaceOf(data[0]));
   const std::string_view input = vx::fuzz::TextOf(data, size);
   const std::size_t line = std::min(input.find('\n', 2), input.size());
   TUse use{input.substr(std::min(line + 1, input.size())),

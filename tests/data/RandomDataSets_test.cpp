@@ -16,6 +16,7 @@
 #include "model/EngineSide.h"
 #include "platform/dataset/DataLink.h"
 #include "platform/dataset/Fields.h"
+#include "support/DataSetEvents.h"
 
 namespace vx {
 namespace {
@@ -29,18 +30,6 @@ enum { kKey, kName, kGroup };
 constexpr std::int32_t kNameSize = 5;
 const std::vector<std::string> kNames = {"", "a", "A", "ab", "Ab", "AB", "b", "12", "1"};
 const std::vector<std::int32_t> kMasterGroups = {0, 1, 2};  // and a last one that is null
-
-const std::vector<std::pair<const char*, TDataSetNotifyEvent TDataSet::*>> kEvents = {
-    {"BeforeInsert", &TDataSet::BeforeInsert}, {"AfterInsert", &TDataSet::AfterInsert},
-    {"BeforeEdit", &TDataSet::BeforeEdit},     {"AfterEdit", &TDataSet::AfterEdit},
-    {"BeforePost", &TDataSet::BeforePost},     {"AfterPost", &TDataSet::AfterPost},
-    {"BeforeCancel", &TDataSet::BeforeCancel}, {"AfterCancel", &TDataSet::AfterCancel},
-    {"BeforeDelete", &TDataSet::BeforeDelete}, {"AfterDelete", &TDataSet::AfterDelete},
-    {"BeforeScroll", &TDataSet::BeforeScroll}, {"AfterScroll", &TDataSet::AfterScroll},
-    {"OnNewRecord", &TDataSet::OnNewRecord},   {"AfterOpen", &TDataSet::AfterOpen},
-    {"BeforeClose", &TDataSet::BeforeClose},   {"AfterClose", &TDataSet::AfterClose},
-    {"BeforeOpen", &TDataSet::BeforeOpen},
-};
 
 /// The calls without arguments.
 struct TCall {
@@ -144,7 +133,7 @@ class TRun {
       real.SetMasterField("Group");
       real.SetDetailField("Group");
     }
-    for (const auto& [name, slot] : kEvents)
+    for (const auto& [name, slot] : test::kDataSetEvents)
       real.*slot = [this, text = desc.name + " " + name](TDataSet*) { realEvents_.push_back(text); };
     pair.model = std::make_unique<TSet>(naiveTable_, std::move(desc), naiveEvents_);
     naiveEvents_.push_back(pair.model->desc.name + " BeforeOpen");

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "platform/runtime/Locale.h"
 #include "platform/runtime/NumberText.h"
 
 namespace vx {
@@ -44,17 +43,7 @@ std::int32_t Magnitude(double value) { return static_cast<std::int32_t>(std::flo
 
 std::int32_t DecimalsOf(double step) { return std::max(0, -Magnitude(step)); }
 
-/// The digits before the decimal separator in groups of three.
-std::string Grouped(std::string text) {
-  const std::size_t sign = text.starts_with('-') ? 1 : 0;
-  std::size_t at = std::min(text.find(Locale().DecimalSeparator), text.size());
-  while (at > sign + 3) text.insert(at -= 3, 1, Locale().ThousandSeparator);
-  return text;
-}
-
-std::string PlainText(double value, std::int32_t decimals) {
-  return Grouped(FloatToStrF(value, ffFixed, 15, decimals));
-}
+std::string PlainText(double value, std::int32_t decimals) { return FloatToStrF(value, ffNumber, 15, decimals); }
 
 std::string TextWithExponent(double value, double step) {
   if (value == 0) return "0";

@@ -8,20 +8,13 @@
 
 #include "platform/component/NameTable.h"
 #include "platform/component/Published.h"
+#include "platform/component/StreamFormat.h"
 #include "platform/runtime/List.h"
 #include "platform/runtime/Text.h"
 
 namespace vx {
 
 namespace {
-
-bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_'; }
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-
-bool IsValidName(std::string_view name) {
-  return !name.empty() && IsLetter(name[0]) &&
-         std::all_of(name.begin(), name.end(), [](char c) { return IsLetter(c) || IsDigit(c); });
-}
 
 std::string NameOf(const TComponent& component) { return component.GetNamePath(); }
 
@@ -384,7 +377,7 @@ std::string TComponent::GetNamePath() const { return name_.empty() ? ClassName()
 
 void TComponent::SetName(const std::string& name) {
   if (name == name_) return;
-  if (!name.empty() && !IsValidName(name))
+  if (!name.empty() && !IsStreamIdentifier(name))
     throw EComponentError("''" + name + "'' is not a valid component name");  // both quotes doubled: kept
   if (owner_ != nullptr) owner_->ValidateRename(this, name);
   std::string taken = name;

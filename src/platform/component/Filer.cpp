@@ -83,7 +83,7 @@ std::string TReader::ReadIdent() {
 
 std::vector<std::string> TReader::ReadSet() {
   Want(skSet, "a set");
-  cursor_.Begin(skSet);
+  cursor_.TakeKind();
   std::vector<std::string> members;
   for (std::string_view each = cursor_.Identifier(true); !each.empty(); each = cursor_.Identifier(true))
     members.emplace_back(each);
@@ -97,7 +97,7 @@ std::string TReader::ReadBinary() {
 
 void TReader::ReadListBegin() {
   Want(skList, "a list");
-  cursor_.Begin(skList);
+  cursor_.TakeKind();
   ++lists_;
 }
 

@@ -303,18 +303,18 @@ void TStreamCursor::SkipValue() {
       Binary();
       return;
     case skSet:
-      Begin(kind);
+      TakeKind();
       while (!Identifier(true).empty()) continue;
       return;
     case skList: {
       const TDeeper deeper(*this);
-      Begin(kind);
+      TakeKind();
       while (!TakeEnd()) SkipValue();
       return;
     }
     case skCollection: {
       const TDeeper deeper(*this);
-      Begin(kind);
+      TakeKind();
       while (TakeItem()) SkipProperties();
       return;
     }

@@ -168,16 +168,12 @@ class TStreamCursor {
   bool TakeItem();
 
   // -- Values: the kind has been peeked at ----------------------------------------------------------------------------
-  std::int64_t Int();           ///< of skInt8 to skInt64
-  double Double();              ///< of skDouble
-  std::string_view Text();      ///< of skShortText and skLongText
-  std::string_view Ident();     ///< of skIdent
-  std::string_view Binary();    ///< of skBinary
-  void Begin(TStreamKind kind)  ///< of skSet, skList, skCollection: the kind alone
-  {
-    static_cast<void>(kind);
-    ++at_;
-  }
+  std::int64_t Int();         ///< of skInt8 to skInt64
+  double Double();            ///< of skDouble
+  std::string_view Text();    ///< of skShortText and skLongText
+  std::string_view Ident();   ///< of skIdent
+  std::string_view Binary();  ///< of skBinary
+  void TakeKind() { ++at_; }  ///< of skSet, skList, skCollection: the kind alone
 
   // -- Whole things, checked and passed over --------------------------------------------------------------------------
   void SkipValue();

@@ -185,7 +185,7 @@ void TStreamLoad::Items(TPersistent& holder, TStreamShape& shape, std::int32_t p
   TStreamShape* const items = shape.Items(prop);
   if (collection == nullptr || items == nullptr) throw EInvalidOperation("the collection is missing");
   const TMemoryKeeper<TCollection> keep(collection);  // whatever a setter of an item does
-  cursor_.Begin(skCollection);
+  cursor_.TakeKind();
   if (pass == TPass::References) {
     for (std::int32_t i = 0; cursor_.TakeItem(); ++i)
       Item(*collection, i < collection->Count() ? collection->Items(i) : nullptr, i, *items, pass);
@@ -242,7 +242,7 @@ TPropValue TStreamLoad::Value(const TPropInfo& info) {
       return static_cast<std::int64_t>(GetEnumValue(*info.Enum, cursor_.Ident()));
     case tkSet: {
       std::uint64_t bits = 0;
-      cursor_.Begin(skSet);
+      cursor_.TakeKind();
       for (std::string_view each = cursor_.Identifier(true); !each.empty(); each = cursor_.Identifier(true))
         bits |= std::uint64_t{1} << static_cast<unsigned>(GetEnumValue(*info.Enum, each));
       return static_cast<std::int64_t>(bits);

@@ -206,7 +206,7 @@ class TStreamCheck {
     TStreamShape* const items = shape.Items(prop);
     if (items == nullptr) Fail(cursor_.Offset(), NameOf(shape, info) + " isn't there to take items");
     const TStreamCursor::TDeeper deeper(cursor_);
-    cursor_.Begin(skCollection);
+    cursor_.TakeKind();
     while (cursor_.TakeItem()) Properties(*items, index, false);
   }
 
@@ -306,7 +306,7 @@ class TStreamCheck {
   }
 
   void Members(const TStreamShape& shape, const TPropInfo& info) {
-    cursor_.Begin(skSet);
+    cursor_.TakeKind();
     for (;;) {
       const std::size_t begin = cursor_.Offset();
       const std::string_view name = cursor_.Identifier(true);

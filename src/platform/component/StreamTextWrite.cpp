@@ -141,7 +141,7 @@ void TTextWriter::WriteValue(int level) {
 }
 
 void TTextWriter::WriteSet() {
-  cursor_.Begin(skSet);
+  cursor_.TakeKind();
   out_.push_back('[');
   const char* between = "";
   for (std::string_view name = cursor_.Identifier(true); !name.empty(); name = cursor_.Identifier(true)) {
@@ -153,7 +153,7 @@ void TTextWriter::WriteSet() {
 
 void TTextWriter::WriteList(int level) {
   const TStreamCursor::TDeeper deeper(cursor_);
-  cursor_.Begin(skList);
+  cursor_.TakeKind();
   out_.push_back('(');
   while (!cursor_.TakeEnd()) {
     NextLine(level + 1);
@@ -164,7 +164,7 @@ void TTextWriter::WriteList(int level) {
 
 void TTextWriter::WriteCollection(int level) {
   const TStreamCursor::TDeeper deeper(cursor_);
-  cursor_.Begin(skCollection);
+  cursor_.TakeKind();
   out_.push_back('<');
   while (cursor_.TakeItem()) {
     NextLine(level + 1);

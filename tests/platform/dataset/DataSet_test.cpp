@@ -11,6 +11,7 @@
 #include "platform/dataset/DataLink.h"
 #include "platform/dataset/Fields.h"
 #include "platform/system/Application.h"
+#include "support/DataSetEvents.h"
 #include "support/TestKit.h"
 
 namespace vx::test {
@@ -89,23 +90,6 @@ TField* AddCalc(TDataSet& set) {
   return field;
 }
 
-using TEventSlot = TDataSetNotifyEvent TDataSet::*;
-struct TNamedEvent {
-  const char* Name;
-  TEventSlot Slot;
-};
-const TNamedEvent kEvents[] = {
-    {"BeforeOpen", &TDataSet::BeforeOpen},     {"AfterOpen", &TDataSet::AfterOpen},
-    {"BeforeClose", &TDataSet::BeforeClose},   {"AfterClose", &TDataSet::AfterClose},
-    {"BeforeInsert", &TDataSet::BeforeInsert}, {"AfterInsert", &TDataSet::AfterInsert},
-    {"BeforeEdit", &TDataSet::BeforeEdit},     {"AfterEdit", &TDataSet::AfterEdit},
-    {"BeforePost", &TDataSet::BeforePost},     {"AfterPost", &TDataSet::AfterPost},
-    {"BeforeCancel", &TDataSet::BeforeCancel}, {"AfterCancel", &TDataSet::AfterCancel},
-    {"BeforeDelete", &TDataSet::BeforeDelete}, {"AfterDelete", &TDataSet::AfterDelete},
-    {"BeforeScroll", &TDataSet::BeforeScroll}, {"AfterScroll", &TDataSet::AfterScroll},
-    {"NewRecord", &TDataSet::OnNewRecord},
-};
-
 struct TOperation {
   const char* Name;
   std::function<void(TDataSet&)> Run;
@@ -128,13 +112,13 @@ const TOperation kOperations[] = {
      "BeforeEdit AfterEdit BeforeCancel AfterCancel BeforeScroll AfterScroll ",
      "check editing check update browsing changed scrolled0 "},
     {"insert, cancel", [](TDataSet& s) { s.Insert(), s.Cancel(); },
-     "BeforeInsert BeforeScroll NewRecord AfterInsert AfterScroll BeforeCancel BeforeScroll AfterCancel AfterScroll ",
+     "BeforeInsert BeforeScroll OnNewRecord AfterInsert AfterScroll BeforeCancel BeforeScroll AfterCancel AfterScroll ",
      "check editing changed browsing changed "},
     {"append record",
      [](TDataSet& s) {
        s.AppendRecord({Variant(), 3});
      },
-     "BeforeInsert BeforeScroll NewRecord AfterInsert AfterScroll BeforePost AfterPost ",
+     "BeforeInsert BeforeScroll OnNewRecord AfterInsert AfterScroll BeforePost AfterPost ",
      "check editing changed record:Number update check browsing changed "},
     {"delete", [](TDataSet& s) { s.Delete(); }, "BeforeDelete BeforeScroll AfterDelete AfterScroll ", "check changed "},
     {"bookmark", [](TDataSet& s) { s.GotoBookmark(s.GetBookmark()); }, "BeforeScroll AfterScroll ", "check changed "},
@@ -153,7 +137,7 @@ TEST(DataSetTest, EventsComeInOrderAndLinksHearEachChangeOnce) {
     SCOPED_TRACE(operation.Name);
     TStand stand;
     std::string events;
-    for (const auto& event : kEvents)
+    for (const auto& event : test::kDataSetEvents)
       (*stand.Set).*event.Slot = [&events, &event](TDataSet*) { events += std::string(event.Name) + " "; };
     operation.Run(*stand.Set);
     EXPECT_EQ(events, operation.Events);
@@ -202,7 +186,7 @@ TEST(DataSetTest, HandlersMayDoWhatTheyLike) {
   for (const TOperation& operation : kOperations) {
     for (int deed = 0; deed < kDeeds; ++deed) {
       SCOPED_TRACE(std::string(operation.Name) + ", deed " + std::to_string(deed));
-      for (const auto& event : kEvents) {
+      for (const auto& event : test::kDataSetEvents) {
         SCOPED_TRACE(event.Name);
         TryDeed(operation, deed, [&](TStand& stand, const std::function<void()>& act) {
           (*stand.Set).*event.Slot = [act](TDataSet*) { act(); };
@@ -287,6 +271,18 @@ TEST(DataSetTest, CalculatedFieldsFollowTheRecord) {
   stand.Set->Next();
   stand.Set->Last();
   EXPECT_EQ(stand.Source->State(), dsInactive);
+}
+
+TEST(DataSetTest, ALinkMayWishForMoreBuffersWhileARecordIsRead) {
+  TStand stand(30);
+  std::int32_t calls = 0;
+  stand.Set->OnCalcFields = [&](TDataSet*) { stand.Link->SetBufferCount(1 + (calls += 3) % 7); };
+  AddCalc(*stand.Set);
+  std::vector<std::int32_t> there, back;
+  for (stand.Set->First(); !stand.Set->Eof(); stand.Set->Next()) there.push_back(stand.Number()->GetAsInteger());
+  for (stand.Set->Last(); !stand.Set->Bof(); stand.Set->Prior()) back.push_back(stand.Number()->GetAsInteger());
+  EXPECT_EQ(there.size(), 30u);
+  EXPECT_EQ(std::vector(there.rbegin(), there.rend()), back);
 }
 
 TEST(DataSetTest, ErrorEventsDecideWhatBecomesOfAFailure) {
