@@ -29,8 +29,8 @@ struct TFilledTable {
   ~TFilledTable() {
     if (table != nullptr) table->CloseCursor(cursor);
   }
-  void OpenCursor() {
-    vx::TVXRAMCursorDesc wish(owner.get(), -1, vx::vxrcoAscending, "", nullptr, vx::Variant());
+  void OpenCursor(std::int32_t index = -1) {
+    vx::TVXRAMCursorDesc wish(owner.get(), index, vx::vxrcoAscending, "", nullptr, vx::Variant());
     table->OpenCursor(nullptr, &wish, cursor);
   }
 };

@@ -3,6 +3,8 @@
 //   walk     from the first record to the last, reading one field
 //   open     open and close, over a million rows and over a thousand: neither sorted nor filtered, so that the number
 //            of rows doesn't matter
+//   edit     every record of a sorted set, with a post for each; 100,000 rows
+//   delete   every record, while a set is open that is sorted and filtered; 100,000 rows
 //   locate   the last record by its text, against a walk of the cursor that compares texts
 //
 //   ./dev bench datasets
@@ -79,6 +81,44 @@ TWork OpenAndClose(std::int32_t count) {
           .after = [=] { return over->set->IsEmpty() ? "empty" : std::string(); }};
 }
 
+constexpr std::int32_t kFewRows = 100'000;
+
+TWork EditAll() {
+  const auto over = std::make_shared<TSetOverTable>(kFewRows);
+  over->set->SetSortedField("Amount");
+  return {.body =
+              [=] {
+                TField& number = *over->set->FieldByName("Number");
+                for (over->set->First(); !over->set->Eof(); over->set->Next()) {
+                  over->set->Edit();
+                  number.SetAsInteger(number.GetAsInteger() + 1);
+                  over->set->Post();
+                }
+              },
+          .after = [=] { return over->set->RecordCount() == kFewRows ? "" : "records are missing"; }};
+}
+
+/// And another set on the table, sorted, its filter asked for each record.
+struct TTwoSets : TSetOverTable {
+  TTwoSets() : TSetOverTable(kFewRows) {
+    sorted->SetRAMTable(filled->table.get());
+    sorted->SetSortedField("Amount");
+    sorted->SetOnFilterRecord([](TDataSet*, bool& passes) { passes = true; });
+    sorted->Open();
+  }
+  TOwned<TVXMemoryDataset> sorted = Make<TVXMemoryDataset>(nullptr);
+};
+
+TWork DeleteAll() {
+  const auto sets = std::make_shared<std::unique_ptr<TTwoSets>>();
+  return {.before = [=] { *sets = std::make_unique<TTwoSets>(); },
+          .body =
+              [=] {
+                while (!(*sets)->set->IsEmpty()) (*sets)->set->Delete();
+              },
+          .after = [=] { return (*sets)->sorted->IsEmpty() ? "" : "records are left"; }};
+}
+
 /// `find` goes to the record of the text and answers its id.
 template <class Find>
 TWork FindLast(Find find) {
@@ -109,6 +149,8 @@ void RegisterAll() {
   Register("datasets/walk/rows:1000000/dataset", [] { return WalkAll(WalkDataSet); });
   Register("datasets/open_100_times/rows:1000", [] { return OpenAndClose(1000); });
   Register("datasets/open_100_times/rows:1000000", [] { return OpenAndClose(kRows); });
+  Register("datasets/edit/rows:100000/sorted", EditAll);
+  Register("datasets/delete/rows:100000/with_sorted_and_filtered_open", DeleteAll);
   Register("datasets/locate_last/rows:1000000/cursor", [] { return FindLast(FindByCursor); });
   Register("datasets/locate_last/rows:1000000/dataset", [] { return FindLast(FindByDataSet); });
 }

@@ -3,12 +3,14 @@
 //   memory   resident bytes after filling, for each byte that rows and their list entries need
 //   delete   a million rows through a cursor, the front one each time, or any
 //   insert   rows into a table with a user index of distinct keys, or with a bucketer of a million rows open
+//   update   rows along such an index, each of which gets another key
 //   sorts    by columns full of equal values, of sorted, reversed and random rows; the quicksort's worst input
 //
 //   ./dev bench edits
 //
 // An edit that costs too much is given up after kPatience; `done` tells how far it got.
 #include <numeric>
+#include <span>
 
 #include "FilledTable.h"
 #include "Timing.h"
@@ -82,6 +84,20 @@ void InsertUnderIndex(benchmark::State& state) {
   const auto record = filled->table->NewRecord();
   RunEdits(state, kInserts,
            [&](std::int32_t i) { AddRow(*filled->table, *record, rows[static_cast<std::size_t>(i)]); });
+}
+
+void UpdateUnderIndex(benchmark::State& state) {
+  const std::vector<TPlainRow> rows = MakeRows();
+  const auto filled = TableForRows();
+  filled->table->Get_Indices()->Add()->Set_FieldName("Amount");
+  filled->OpenCursor(/*index=*/0);
+  const auto record = filled->table->NewRecord();
+  for (const TPlainRow& row : std::span(rows).first(kInserts)) AddRow(*filled->table, *record, row);
+  RunEdits(state, kInserts, [&](std::int32_t i) {
+    filled->cursor->Set_RecIndex(i);
+    record->Field(kAmount).AssignValue(rows[static_cast<std::size_t>(kInserts + i)].amount);
+    filled->cursor->UpdateRecWithValues(*record);
+  });
 }
 
 void InsertUnderBuckets(benchmark::State& state) {
@@ -178,6 +194,7 @@ int main(int argc, char** argv) {
   RegisterOnce("edits/delete/rows:1000000/random", [](benchmark::State& state) { Delete(state, true); });
   RegisterOnce("edits/insert/rows:100000/one_user_index", InsertUnderIndex);
   RegisterOnce("edits/insert/rows:100000/bucketer_of_1000000", InsertUnderBuckets);
+  RegisterOnce("edits/update/rows:100000/one_user_index", UpdateUnderIndex);
   RegisterSorts();
   benchmark::Initialize(&argc, argv);
   benchmark::RunSpecifiedBenchmarks();

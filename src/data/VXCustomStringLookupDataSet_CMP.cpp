@@ -203,6 +203,7 @@ bool TVXCustomStringLookupDataSet::Locate(const std::string& keyFields, const Va
   if (keyFields == kKeyField) index = GetIndexFromKeyValueAsVariant(keyValues);
   if (keyFields == kTextField) index = GetIndexFromTextValueAsVariant(keyValues);
   if (index == -1) return false;
+  CheckCanFetch();
   index_ = index;
   Resync({rmExact});
   return true;

@@ -1,5 +1,8 @@
 #include "data/VXLookupDataSet_CMP.h"
 
+#include <algorithm>
+#include <ranges>
+
 #include "platform/component/Published.h"
 #include "platform/runtime/Text.h"
 
@@ -27,7 +30,17 @@ void TVXLookupValue::Assign(const TPersistent* source) {
 void TVXLookupValue::SetKey(std::int32_t value) {
   if (value == key_) return;
   key_ = value;
+  Unsort();
   Changed(false);
+}
+
+void TVXLookupValue::SetText(const std::string& value) {
+  text_ = value;
+  Unsort();
+}
+
+void TVXLookupValue::Unsort() const {
+  if (auto* const values = As<TVXLookupValues>(Collection())) values->isSorted_ = false;
 }
 
 const TClass& TVXLookupValues::StaticClass() {
@@ -59,13 +72,34 @@ bool TVXLookupValues::StandsBehind(const TVXLookupValue& value, std::int32_t key
   return sortOrder_ == vxlsoText && CompareText(value.GetText(), text) > 0;
 }
 
+bool TVXLookupValues::IsSorted() const {
+  if (isSorted_) return true;
+  for (std::int32_t i = 1; i < Count(); ++i)
+    if (StandsBehind(*Items(i - 1), Items(i)->GetKey(), Items(i)->GetText())) return false;
+  return true;
+}
+
+/// The first value that stands behind that one, else Count().
+std::int32_t TVXLookupValues::FirstBehind(std::int32_t key, const std::string& text, bool sorted) const {
+  const auto isBefore = [&](std::int32_t index) { return !StandsBehind(*Items(index), key, text); };
+  const auto all = std::views::iota(0, Count());
+  const auto found = sorted ? std::ranges::partition_point(all, isBefore) : std::ranges::find_if_not(all, isBefore);
+  return static_cast<std::int32_t>(found - all.begin());
+}
+
 TVXLookupValue* TVXLookupValues::AddLookupValue(std::int32_t key, const std::string& text) {
-  const TVXLookupValue* const next =
-      FindFirst([&](const TVXLookupValue& value) { return StandsBehind(value, key, text); });
-  TVXLookupValue* const value = next == nullptr ? Add() : Insert(next->Index());
+  const bool sorted = IsSorted();
+  const std::int32_t place = FirstBehind(key, text, sorted);
+  TVXLookupValue* const value = place == Count() ? Add() : Insert(place);
   value->SetKey(key);
   value->SetText(text);
+  isSorted_ = sorted;
   return value;
+}
+
+void TVXLookupValues::SetSortOrder(TVXLookupSortOrder value) {
+  sortOrder_ = value;
+  isSorted_ = false;
 }
 
 // -- TVXCustomLookupDataSet -------------------------------------------------------------------------------------------

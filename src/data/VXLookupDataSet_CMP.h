@@ -41,9 +41,11 @@ class TVXLookupValue : public TCollectionItem {
   std::int32_t GetKey() const { return key_; }
   void SetKey(std::int32_t value);
   const std::string& GetText() const { return text_; }
-  void SetText(const std::string& value) { text_ = value; }
+  void SetText(const std::string& value);
 
  private:
+  void Unsort() const;
+
   std::int32_t key_ = 0;
   std::string text_;
 };
@@ -61,19 +63,27 @@ class TVXLookupValues : public TCollectionOf<TVXLookupValue> {
   /// The first of that key or text (by CompareText); null if there is none. O(n).
   TVXLookupValue* FindKey(std::int32_t key) const;
   TVXLookupValue* FindText(const std::string& text) const;
-  /// Before the first value that is greater by the sort order, else at the end.
+  /// Before the first value that is greater by the sort order, else at the end. O(values behind) while nobody else
+  /// changes the values, else O(n).
   TVXLookupValue* AddLookupValue(std::int32_t key, const std::string& text);
 
   TVXLookupSortOrder GetSortOrder() const { return sortOrder_; }
-  void SetSortOrder(TVXLookupSortOrder value) { sortOrder_ = value; }
+  void SetSortOrder(TVXLookupSortOrder value);
+
+ protected:
+  void ItemsMoved() override { isSorted_ = false; }
 
  private:
+  friend class TVXLookupValue;
   template <class F>
   TVXLookupValue* FindFirst(const F& matches) const;
   bool StandsBehind(const TVXLookupValue& value, std::int32_t key, const std::string& text) const;
+  bool IsSorted() const;
+  std::int32_t FirstBehind(std::int32_t key, const std::string& text, bool sorted) const;
 
   TVXCustomLookupDataSet* owner_;
   TVXLookupSortOrder sortOrder_ = vxlsoNone;
+  bool isSorted_ = false;  // known to be, by sortOrder_
 };
 
 class TVXCustomLookupDataSet : public TVXCustomStringLookupDataSet {

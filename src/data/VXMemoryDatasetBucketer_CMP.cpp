@@ -1,6 +1,7 @@
 #include "data/VXMemoryDatasetBucketer_CMP.h"
 
 #include "data/VXMemoryDatasetEditors.h"
+#include "platform/component/MemoryKeeper.h"
 #include "platform/component/Published.h"
 
 namespace vx {
@@ -82,9 +83,7 @@ void TVXMemoryDatasetBucketer::OpenCursor(bool infoQuery) {
     TVXRAMCursorBucketerDesc wish(this, GetIndexNumber(), Get_CursorOrder(), GetSortedField(), GetMasterRAMFieldDef(),
                                   GetMasterValue(), bucketFieldDefs_.get(), basedGroupMode_, groupMode_, bucketedField_,
                                   showStartOfGroup_);
-    TVXRAMCursor* cursor = nullptr;
-    table->OpenCursor(TClassOf<TVXRAMCursor>::Of<TVXRAMCursorBucketer>(), &wish, cursor);
-    SetCursor(cursor);
+    OpenCursorAs(TClassOf<TVXRAMCursor>::Of<TVXRAMCursorBucketer>(), wish);
   }
   TVXMemoryDataset::OpenCursor(infoQuery);  // finds the cursor there
 }
@@ -92,6 +91,19 @@ void TVXMemoryDatasetBucketer::OpenCursor(bool infoQuery) {
 void TVXMemoryDatasetBucketer::CloseCursor() {
   if (GetCursor() != nullptr) cursorCompanion_.reset();
   TVXMemoryDataset::CloseCursor();
+}
+
+/// The cursor keeps its buckets; a bracket builds them anew, from no rows.
+void TVXMemoryDatasetBucketer::TableCleared() {
+  if (!GetActive() || GetCursor() == nullptr) return;
+  const TMemoryKeeper<TComponent> keep(this);
+  try {
+    BeginUpdate();
+    EndUpdate();
+  } catch (const std::exception& error) {  // a bucketed field may be gone
+    InternalHandleException(error);
+  }
+  TVXMemoryDataset::TableCleared();
 }
 
 // -- Unit -------------------------------------------------------------------------------------------------------------

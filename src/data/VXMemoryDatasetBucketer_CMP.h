@@ -15,7 +15,7 @@
 // the table, which joins its bucket; deleting a record deletes all source rows of the bucket.
 //
 // Between BeginUpdate() and EndUpdate() no bucket changes; the end builds all of them anew. What the set shows is then
-// out of date until the caller refreshes it.
+// out of date until the caller refreshes it. When the table is cleared, the set builds and shows its buckets anew.
 #pragma once
 
 #include <string>
@@ -54,6 +54,7 @@ class TVXMemoryDatasetBucketer : public TVXMemoryDataset {
   void SetDatasource(TDataSource* source) { SetDataSource(source); }
   /// Null if there is none. EInvalidCast for a cursor of another class.
   TVXRAMCursorBucketer* Get_CursorBucketer() const { return Cast<TVXRAMCursorBucketer>(GetCursor()); }
+  void TableCleared() override;
 
  protected:
   void OpenCursor(bool infoQuery) override;

@@ -169,8 +169,7 @@ TGetResult TVXMemoryDataset::GetRecord(char* buffer, TGetMode mode, bool check) 
     if (check) DatabaseError("No Records");
     return grError;
   }
-  const TVXList* const rows = cursor.Get_ActiveRecordList();
-  seat_ = {rows, rows->Changes(), cursor.Get_PhysicalIndex()};
+  NoteSeat();
   FillBufferWithFields(buffer);
   GetCalcFields(buffer);
   return grOK;
@@ -248,9 +247,19 @@ void PutElement(TVXFieldStruct& element, const char* value, std::int32_t size) {
 
 }  // namespace
 
+/// An index that was never given a field lets the row in and fails then. Such a post would leave a row behind, and
+/// another one each time that it is tried again.
+void TVXMemoryDataset::CheckIndices() const {
+  const TVXRAMIndexDefs& indices = *NeedCursor().Table().Get_Indices();
+  for (std::int32_t i = 0; i < indices.Count(); ++i)
+    if (const TVXRAMIndexDef& index = *indices.Get_Item(i); index.Get_Field() == nullptr && !index.LostField())
+      RaiseError("Index " + std::to_string(i) + " of the table has no field");
+}
+
 /// The only way by which values come to the table.
 void TVXMemoryDataset::InternalWriteBuffer(const char* buffer, bool insert, bool append) {
   TVXRAMCursor& cursor = NeedCursor();
+  CheckIndices();
   UpdateSlots();
   // Kept: elements of fields that this set doesn't hold stay null, and so become null in the row, an edited one too.
   const TOwnedRecordStruct record = cursor.Table().NewRecord();
@@ -419,7 +428,8 @@ bool TVXMemoryDataset::RecordFilter(TVXRAMRow* row, std::int32_t) {
   const TMemoryKeeper<TComponent> keep(this);
   const std::uint32_t opening = openings_;
   const TDataSetState state = SetTempState(dsFilter);
-  const std::unique_ptr<char[]> buffer(AllocRecordBuffer());
+  const auto release = [this](char* record) { FreeRecordBuffer(record); };
+  const std::unique_ptr<char, decltype(release)> buffer(AllocRecordBuffer(), release);
   char* const outer = std::exchange(filterBuffer_, buffer.get());  // a handler may change rows, and so filter anew
   bool accept = true;
   try {

@@ -146,12 +146,39 @@ std::int32_t TVXMemoryDataset::GetMasterID() const {
   }
 }
 
+/// The cursor comes to show the rows of the master's record.
+void TVXMemoryDataset::FollowMaster() {
+  TVXRAMCursor& cursor = NeedCursor();
+  TVXRAMFieldDef* const field = GetMasterRAMFieldDef();
+  const TVXList* const rows = cursor.Get_ActiveRecordList();
+  const bool shares = rows == cursor.Table().Get_MainRecordList() ||
+                      (cursor.Get_Index() != nullptr && rows == cursor.Get_Index()->Get_List());
+  // A filter of nothing would sort the list anew that the master may be walking. Equal rows change places at each sort:
+  // the master would never come to its end.
+  if (field == nullptr && shares && !cursor.Get_SortedField().empty()) return cursor.GoToFirstRec();
+  try {
+    cursor.Get_Filter()->SetFilter(field, GetMasterValue());
+  } catch (const EVariantError& error) {
+    if (cursor_ != nullptr) cursor_->GoToFirstRec();  // of the rows that were found before
+    RaiseMasterMismatch(error);
+  }
+}
+
+void TVXMemoryDataset::RaiseMasterMismatch(const EVariantError& error) const {
+  throw EVariantError("Detail field '" + detailField_ + "' can't be compared with master field '" + GetMasterField() +
+                      "': " + error.Message());
+}
+
 void TVXMemoryDataset::MasterChanged(TObject*) {
   if (GetMasterTable() == nullptr) return;
   const TMemoryKeeper<TComponent> keep(this);
   CheckBrowseMode();
-  const Variant value = GetMasterValue();
-  NeedCursor().Get_Filter()->SetFilter(GetMasterRAMFieldDef(), value);
+  try {
+    FollowMaster();
+  } catch (const EVariantError&) {
+    if (GetActive()) Resync({});
+    throw;
+  }
   Resync({});
 }
 
@@ -222,13 +249,30 @@ void TVXMemoryDataset::DoDurationFieldGetText(TField* field, std::string& text, 
   text = DurationToStr(field->GetAsInteger(), def == nullptr ? 0 : def->Get_Precision(), vxduAuto);
 }
 
+namespace {
+
+/// What `read` makes of the text. One that it can't read names the field.
+template <class Read>
+double ReadFor(const TField& field, const Read& read) {
+  try {
+    return read();
+  } catch (const EVXDateFuncException& error) {
+    throw EVXDateFuncException("Field '" + field.DisplayName() + "': " + error.Message());
+  }
+}
+
+}  // namespace
+
+/// Kept: a duration too long for the field is taken as the longest one.
 void TVXMemoryDataset::DoDurationFieldSetText(TField* field, const std::string& text) {
-  text.empty() ? field->Clear() : field->SetAsFloat(StrToDuration(text, vxduAuto));
+  if (text.empty()) return field->Clear();
+  field->SetAsFloat(ReadFor(*field, [&] { return StrToDuration(text, vxduAuto); }));
 }
 
 void TVXMemoryDataset::DoDateTimeFieldGetText(TField* field, std::string& text, bool) {
   const TDateTime date = field->IsNull() ? 0.0 : field->GetAsDateTime();
-  // Kept: day 0 at midnight shows as nothing, though it isn't null.
+  // Kept: day 0 at midnight shows as nothing, though it isn't null; what is no day of the calendar, as only those who
+  // write past the field leave it, shows as zeros.
   if (date == 0.0)
     text.clear();
   else
@@ -236,7 +280,8 @@ void TVXMemoryDataset::DoDateTimeFieldGetText(TField* field, std::string& text, 
 }
 
 void TVXMemoryDataset::DoDateTimeFieldSetText(TField* field, const std::string& text) {
-  text.empty() ? field->Clear() : field->SetAsDateTime(StrToSysDate(text, true));
+  if (text.empty()) return field->Clear();
+  field->SetAsDateTime(ReadFor(*field, [&] { return StrToSysDate(text, true); }));
 }
 
 void TVXMemoryDataset::DoFloatFieldGetText(TField* field, std::string& text, bool displayText) {

@@ -8,6 +8,7 @@
 #include "data/VXRAMCursorBucketer_CMP.h"
 #include "platform/component/MemoryKeeper.h"
 #include "platform/component/Published.h"
+#include "platform/dataset/DataSetWork.h"
 
 namespace vx {
 
@@ -179,7 +180,6 @@ void TVXMemoryDataset::SetSortedField(const std::string& value) {
   CheckBrowseMode();
   const std::string place = GetBookmarkStr();
   NeedCursor().Set_SortedField(value);
-  CursorPosChanged();
   SetBookmarkStr(place);
 }
 
@@ -198,9 +198,18 @@ void TVXMemoryDataset::OpenCursor(bool infoQuery) {
   if (!infoQuery && table != nullptr && cursor_ == nullptr) {
     DescribeTable();
     TVXRAMCursorDesc wish(this, GetIndexNumber(), cursorOrder_, sortedField_, GetMasterRAMFieldDef(), GetMasterValue());
-    table->OpenCursor(TClassOf<TVXRAMCursor>::Of<TVXRAMCursor>(), &wish, cursor_);
+    OpenCursorAs(TClassOf<TVXRAMCursor>::Of<TVXRAMCursor>(), wish);
   }
   TDataSet::OpenCursor(infoQuery);
+}
+
+void TVXMemoryDataset::OpenCursorAs(TClassOf<TVXRAMCursor> cursorClass, TVXRAMCursorDesc& wish) {
+  try {
+    Need(GetRAMTable(), "table of the data set").OpenCursor(cursorClass, &wish, cursor_);
+  } catch (const EVariantError& error) {
+    if (wish.FilterField.Get() == nullptr) throw;
+    RaiseMasterMismatch(error);
+  }
 }
 
 void TVXMemoryDataset::CloseCursor() {
@@ -232,7 +241,8 @@ void TVXMemoryDataset::SettleBuffers() {
   const std::int32_t flagOffset = recordSize_ + CalcFieldsSize();
   const std::int32_t size = flagOffset + 1 + kRecordIdSize;
   if (size > std::numeric_limits<std::uint16_t>::max())
-    RaiseError("Records would be " + std::to_string(size) + " bytes long; a data set takes 65535");
+    RaiseError("Records with their calculated fields would be " + std::to_string(size) +
+               " bytes long; a data set takes 65535");
   bookmarkFlagOffset_ = static_cast<std::uint16_t>(flagOffset);
   bookmarkOffset_ = static_cast<std::uint16_t>(flagOffset + 1);
   bufferSize_ = static_cast<std::uint16_t>(size);
@@ -252,6 +262,9 @@ struct TFieldMapping {
   TFieldType Type;
   std::int32_t Size;  ///< in the buffer; 0 for the field's own
 };
+
+/// Bytes of a record's fields, so that the bookmark and its flag still have room.
+constexpr std::int32_t kMostFieldBytes = std::numeric_limits<std::uint16_t>::max() - 1 - kRecordIdSize;
 
 /// By TVXRAMFieldType.
 constexpr TFieldMapping kMappings[] = {
@@ -293,8 +306,9 @@ void TVXMemoryDataset::AddFieldDescription(TVXRAMFieldDef& field) {
   const TFieldMapping& mapping = kMappings[type];
   const std::int32_t size = mapping.Type == ftString ? field.Get_ByteSize() : mapping.Size;
   const std::int64_t end = std::int64_t{recordSize_} + 1 + size;
-  if (end > std::numeric_limits<std::uint16_t>::max())
-    RaiseError("Field '" + field.Get_Name() + "' ends behind the 65535 bytes that a record may have");
+  if (end > kMostFieldBytes)
+    RaiseError("Field '" + field.Get_Name() + "' ends behind the " + std::to_string(kMostFieldBytes) +
+               " bytes that the fields of a record may have");
   const auto offset = static_cast<std::uint16_t>(recordSize_ + 1);
   const std::int32_t number = FieldDefs().Count() + 1;
   FieldDefs().Add(Make<TVXMemoryDatasetFieldDef>(&FieldDefs(), field.Get_Name(), mapping.Type,
@@ -327,12 +341,12 @@ std::int32_t TVXMemoryDataset::GetRecNo() {
 }
 
 void TVXMemoryDataset::SetRecNo(std::int32_t value) {
-  const TMemoryKeeper<TComponent> keep(this);
+  const TCall work(*this);
   CheckBrowseMode();
   DoBeforeScroll();
   NeedCursor().Set_RecIndex(WrappingSubtract(value, 1));
   Resync({rmCenter});
-  if (GetActive()) DoAfterScroll();
+  if (work.IsOpen()) DoAfterScroll();
 }
 
 std::int32_t TVXMemoryDataset::GetRecordId() {
@@ -342,8 +356,8 @@ std::int32_t TVXMemoryDataset::GetRecordId() {
 
 void TVXMemoryDataset::SetRecordId(std::int32_t id) {
   if (id == kNoRecordId) return;
-  const TMemoryKeeper<TComponent> keep(this);
-  CheckActive();  // Kept: not CheckBrowseMode, so a pending edit isn't posted, and what was typed is read over
+  const TCall work(*this);
+  CheckCanFetch();  // Kept: not CheckBrowseMode, so a pending edit isn't posted, and what was typed is read over
   NeedCursor().Set_RecordID(id);
   Resync({});
 }
@@ -364,6 +378,7 @@ void TVXMemoryDataset::InternalGotoBookmark(const void* bookmark) {
 
 void TVXMemoryDataset::InternalSetToRecord(char* buffer) {
   InternalGotoBookmark(&Need(buffer, "record buffer") + bookmarkOffset_);
+  NoteSeat();
 }
 
 void TVXMemoryDataset::InternalFirst() {
@@ -376,14 +391,15 @@ void TVXMemoryDataset::InternalFirst() {
 
 void TVXMemoryDataset::InternalLast() { NeedCursor().GoToLastRec(); }
 
-void TVXMemoryDataset::DoBeforeScroll() {
-  TDataSet::DoBeforeScroll();
-  // Insertions elsewhere sort and filter this cursor's list anew, and nobody tells.
-  const TVXList* const rows = cursor_ == nullptr ? nullptr : cursor_->Get_ActiveRecordList();
-  if (rows == nullptr || rows != seat_.list || rows->Changes() != seat_.changes ||
-      cursor_->Get_PhysicalIndex() != seat_.index)
-    CursorPosChanged();
+TVXMemoryDataset::TSeat TVXMemoryDataset::CursorSeat() const {
+  const TVXList* const rows = NeedCursor().Get_ActiveRecordList();
+  return {rows, rows == nullptr ? 0 : rows->Changes(), cursor_->Get_PhysicalIndex()};
 }
+
+void TVXMemoryDataset::NoteSeat() { seat_ = CursorSeat(); }
+
+/// Insertions elsewhere sort and filter this cursor's list anew, and nobody tells.
+bool TVXMemoryDataset::IsCursorOn(char*) { return CursorSeat() == seat_; }
 
 // -- Changing ---------------------------------------------------------------------------------------------------------
 
@@ -413,6 +429,10 @@ void TVXMemoryDataset::Refresh() {
       set->InternalHandleException(error);
     }
   });
+}
+
+void TVXMemoryDataset::TableCleared() {
+  if (GetActive()) Refresh();  // at work, the table lets it wait
 }
 
 /// False, and the cursor doesn't move, if the buffer's record isn't in the cursor's list.

@@ -14,14 +14,19 @@
 //   details->SetDetailField("Order");                // this table's field that must be equal
 //   details->Open();                                 // follows it from now on
 //
+// A master's value that can't be compared with the detail's field raises an EVariantError that names both fields, out
+// of the detail's opening or the master's move; that has taken place then. A detail without a field to compare shows
+// all rows and sorts them at its opening, not at each move of the master, who may be walking the same list.
+//
 // Record buffers. For each field a state byte and the value, then the platform's calculated fields, the bookmark's flag
 // and the bookmark, which is the record id (-1 for a record that isn't posted yet). Layout and conversions are settled
 // at opening; all sizes are below 64 KB. A buffer is filled when a record is read, so that it shows what the record was
 // then. A text takes at most the table's ByteSize; one that is written is cut at a code point, with room for its zero.
+// A record's fields with their state bytes have room for 65530 bytes, a text that is alone therefore for 65529.
 //
-// In step. A deletion, wherever it comes from, refreshes all sets on the table when the table's operation ends, each
-// once. Nobody is told of insertions and edits, but a set whose cursor was moved by them (a sort, a filter) goes on
-// from its own active record. An edit or deletion of a record that isn't in the table any more raises EDatabaseError.
+// In step. A deletion, wherever it comes from, and ClearTable refresh all sets on the table when the table's operation
+// ends, each once. Nobody is told of insertions and edits, but a set whose cursor was moved by them (a sort, a filter)
+// goes on from its own records. An edit or deletion of a record that isn't in the table any more raises EDatabaseError.
 //
 // Kept, since callers rely on it:
 //   - A post of a new record appends it to the table; only a sort or an index puts it elsewhere.
@@ -29,6 +34,7 @@
 //   - The filter is OnFilterRecord alone, Filtered plays no part. To an open set it comes late: putting a handler where
 //     none was rebuilds the list while the handler isn't there yet, so that all rows stay until the next rebuild.
 //   - Locate: see there. CompareBookmarks: always 0. IndexName: no effect on an open set.
+//   - A detail whose master closes or goes keeps the rows that it showed last.
 //
 // A table that is freed, or that frees this set's cursor, closes the set. Definitions that change while the set is
 // open: a field that is gone or of another type reads as null from then on.
@@ -119,7 +125,8 @@ class TVXMemoryDataset : public TDataSet, public IRecordOwner {
   TDataSource* GetMasterSource() const { return GetDataSource(); }
   void SetMasterSource(TDataSource* source) { SetDataSource(source); }
   const std::string& GetSortedField() const { return sortedField_; }
-  /// A sort specification. On an open set posts a pending record, sorts, and goes back to the active one.
+  /// A sort specification. On an open set posts a pending record, sorts, and goes back to the active one. Kept: stored
+  /// for the next opening even if an open set refuses it.
   void SetSortedField(const std::string& value);
   /// Null once it is freed.
   TVXRAMTable* GetRAMTable() const { return ramTable_.Get(); }
@@ -160,7 +167,7 @@ class TVXMemoryDataset : public TDataSet, public IRecordOwner {
   /// Id of the active record; while fields are being calculated, of that record. -1 for one not posted yet.
   std::int32_t GetRecordId();
   /// Goes there; -1 does nothing. Kept: posts nothing. A pending edit goes on with the values of the record it is on
-  /// now.
+  /// now. EDatabaseError while a record is read or a filter asked.
   void SetRecordId(std::int32_t id);
   /// Not null, of our size, and not -1.
   bool BookmarkValid(const TBookmark& bookmark) override;
@@ -175,6 +182,7 @@ class TVXMemoryDataset : public TDataSet, public IRecordOwner {
   void EndUpdate();
   /// As TDataSet. While the table is at work, when that is done; what is raised then goes to the application.
   void Refresh() override;
+  void TableCleared() override;
   void CursorClosed(TVXRAMCursor* cursor) override;
 
   // -- Searching ------------------------------------------------------------------------------------------------------
@@ -224,12 +232,14 @@ class TVXMemoryDataset : public TDataSet, public IRecordOwner {
   void InternalSetToRecord(char* buffer) override;
   void SetBookmarkFlag(char* buffer, TBookmarkFlag flag) override;
   void SetBookmarkData(char* buffer, const void* data) override;
-  void DoBeforeScroll() override;
+  bool IsCursorOn(char* buffer) override;
 
   // -- For subclasses -------------------------------------------------------------------------------------------------
   TVXRAMCursor* GetCursor() const { return cursor_; }
   /// Takes over a cursor that the subclass has opened for this set.
   void SetCursor(TVXRAMCursor* cursor) { cursor_ = cursor; }
+  /// Opens a cursor of the class on the table and takes it over.
+  void OpenCursorAs(TClassOf<TVXRAMCursor> cursorClass, TVXRAMCursorDesc& wish);
   /// Brings FieldDefs() up to the table's, so that GetMasterRAMFieldDef can be asked before the set is open.
   void DescribeTable();
 
@@ -284,7 +294,9 @@ class TVXMemoryDataset : public TDataSet, public IRecordOwner {
   void FillBufferWithField(char* buffer, const TSlot& slot, const TVXRAMRow* row);
   void FillBufferByCursor(char* buffer, const TSlot& slot);
   void CopyRAMCursorBufferToMemoryDatasetBuffer(const TVXRAMRow* row, char* buffer);
+  void CheckIndices() const;
   void InternalWriteBuffer(const char* buffer, bool insert, bool append);
+  void NoteSeat();
   bool StandOn(const char* buffer);
   void StandOnActive();
   bool GetCalcData(const TField& field, const char* buffer, void* data) const;
@@ -294,6 +306,8 @@ class TVXMemoryDataset : public TDataSet, public IRecordOwner {
 
   bool RecordFilter(TVXRAMRow* row, std::int32_t position);
   bool InternalLocate(const std::string& field, const Variant& value, TLocateOptions options, bool sync);
+  void FollowMaster();
+  [[noreturn]] void RaiseMasterMismatch(const EVariantError& error) const;
   void MasterChanged(TObject* sender);
   void MasterDisabled(TObject* sender);
 
@@ -318,11 +332,14 @@ class TVXMemoryDataset : public TDataSet, public IRecordOwner {
   std::uint64_t layout_ = 0;  // of the table's definitions, as the slots know them
   std::uint32_t openings_ = 0;
   char* filterBuffer_ = nullptr;
-  struct {
+  struct TSeat {
     const TVXList* list = nullptr;
     std::uint64_t changes = 0;
     std::int32_t index = -1;
-  } seat_;  // where the latest read left the cursor
+    bool operator==(const TSeat&) const = default;
+  };
+  TSeat CursorSeat() const;
+  TSeat seat_;  // where the set left the cursor
 };
 
 namespace VXMemoryDataset_CMP {

@@ -179,33 +179,48 @@ void TVXRAMCursor::Set_RecordID(std::int32_t id) {
   if (id != kNoRecordId) SetRecIndexByID(id);
 }
 
-std::int32_t TVXRAMCursor::FindById(const TVXList& list, std::int32_t id) const {
+std::int32_t TVXRAMCursor::FindById(const TVXList& list, std::int32_t id, const TVXRAMRow* row) {
+  constexpr std::int32_t kNear = 4;
+  const std::int32_t count = list.Count();
   const auto stands = [&](std::int32_t at) {
     return table_->InternalGetRecordID(static_cast<const TVXRAMRow*>(list.Items(at))) == id;
   };
-  const std::int32_t count = list.Count();
-  // Where no id stands twice, a row that was just appended, that hasn't moved, or that can be searched needs no walk.
-  if (table_->IdsAreUnique() && count > 0) {
-    if (stands(count - 1)) return count - 1;
-    if (physicalIndex_ >= 0 && physicalIndex_ < count && stands(physicalIndex_)) return physicalIndex_;
-    const std::int32_t at = SearchById(list, id);
-    if (at >= 0 && stands(at)) return at;
-  }
-  for (std::int32_t i = 0; i < count; ++i)
-    if (stands(i)) return i;
-  return -1;
+  // Several rows may have the id, nulls have that of no row: the first one is meant.
+  if (!table_->IdsAreUnique() || id == kNoRecordId) return FindNear(count, 0, count, stands);
+  if (count == 0 || (id == table_->LastDeletedId() && ListsTableRows())) return -1;
+  if (stands(count - 1)) return count - 1;
+  const std::int32_t near = FindNear(count, stood_, kNear, stands);
+  if (near >= 0) return near;
+  const std::int32_t at = SearchById(list, id, row);
+  if (at >= 0 && stands(at)) return at;
+  static_cast<void>(list.Data());  // closed up, it is walked faster
+  return FindNear(count, stood_, count, stands);
 }
 
-std::int32_t TVXRAMCursor::SearchById(const TVXList& list, std::int32_t id) const {
-  if (id == kNoRecordId) return -1;  // the id of nulls, too
+std::int32_t TVXRAMCursor::SearchById(const TVXList& list, std::int32_t id, const TVXRAMRow* row) {
   const std::int32_t at = SearchId(list, id);
-  if (at >= 0 || index_ == nullptr || &list != index_->Get_List()) return at;
+  if (at >= 0) return at;
   const TVXList& rows = *table_->Get_MainRecordList();
-  const std::int32_t inMainList = SearchId(rows, id);
-  return inMainList < 0 ? -1 : index_->SearchKeyOf(static_cast<const TVXRAMRow*>(rows.Items(inMainList)));
+  const std::int32_t inMainList = row == nullptr ? SearchId(rows, id) : -1;
+  if (inMainList >= 0) row = static_cast<const TVXRAMRow*>(rows.Items(inMainList));
+  if (row == nullptr) return -1;
+  const std::int32_t inIndex = index_ != nullptr && &list == index_->Get_List() ? index_->SearchKeyOf(row) : -1;
+  return inIndex >= 0 ? inIndex : SortOf(list).Search(list, row);
 }
 
-void TVXRAMCursor::SetRecIndexByID(std::int32_t id) { physicalIndex_ = FindById(*Get_ActiveRecordList(), id); }
+TVXRAMKnownSort& TVXRAMCursor::SortOf(const TVXList& list) {
+  // The main list is shared: what one cursor's sort left, the next one's finds.
+  return &list == table_->Get_MainRecordList() ? table_->mainSort_ : knownSort_;
+}
+
+void TVXRAMCursor::GoToRow(std::int32_t id, const TVXRAMRow* row) {
+  const TVXList& list = *Get_ActiveRecordList();
+  if (physicalIndex_ >= 0 && physicalIndex_ < list.Count()) stood_ = physicalIndex_;
+  physicalIndex_ = FindById(list, id, row);
+  if (physicalIndex_ >= 0) stood_ = physicalIndex_;
+}
+
+void TVXRAMCursor::SetRecIndexByID(std::int32_t id) { GoToRow(id, nullptr); }
 
 std::int32_t TVXRAMCursor::Get_RecIndexById(std::int32_t id) {
   if (id == kNoRecordId) return -1;
@@ -232,13 +247,17 @@ void TVXRAMCursor::GetFieldValue(std::int32_t field, void* buffer, std::int32_t&
 void TVXRAMCursor::SetFieldValue(std::int32_t field, const void* buffer) {
   const TTableOperation running(*table_);
   TVXRAMRow* const row = NeedCurrentRecord();
+  table_->WritableSlot(row, field);  // raises if there is no such field
+  const std::int32_t number = table_->IndexNbByFieldNb(field);
+  TVXRAMIndex* const index = number == -1 ? nullptr : table_->Get_Indices()->Get_Item(number)->Get_Index();
+  if (index != nullptr) index->BeforeWrite(row);
   InternalSetFieldStatus(row, field, vxfsAssigned);
   InternalSetFieldValue(row, field, buffer);
-  const std::int32_t index = table_->IndexNbByFieldNb(field);
-  if (index == -1) return;
+  if (index == nullptr) return;
+  index->AfterWrite();
   const std::int32_t id = RowId(row);
-  table_->Get_Indices()->Get_Item(index)->Get_Index()->ReBuild();
-  SetRecIndexByID(id);
+  index->ReBuild();
+  GoToRow(id, row);
 }
 
 void TVXRAMCursor::ClearFieldValue(std::int32_t field) {
@@ -271,32 +290,42 @@ void TVXRAMCursor::InsertRec() {
 
 void TVXRAMCursor::InsertRecWithValues(const TVXRecordStruct& record, bool append) {
   const TTableOperation running(*table_);
-  std::int32_t id = kNoRecordId;
+  std::int32_t number = -2;
+  // Kept: the position counts in the active list and is used in the main list; a filtered list is rebuilt anyway.
+  std::int32_t position = physicalIndex_;
   if (index_ == nullptr) {
-    // Kept: the position counts in the active list and is used in the main list; a filtered list is rebuilt anyway.
-    table_->AddRecordAndValues(record, -2, Get_EffectiveRecordIndex(), id, append);
+    position = Get_EffectiveRecordIndex();
   } else {
     const TVXRAMUserIndex& index = Need(Cast<TVXRAMUserIndex>(index_), "index of the cursor");
-    const std::int32_t number = Need(index.Get_IndexDef(), "index definition").Index();
-    table_->AddRecordAndValues(record, number, physicalIndex_, id, append);
+    number = Need(index.Get_IndexDef(), "index definition").Index();
   }
-  SetRecIndexByID(id);
+  std::int32_t id = kNoRecordId;
+  std::int32_t result = -1;
+  const TVXRAMRow* const row = table_->AddFilledRow(record, number, position, id, append, result);
+  GoToRow(id, row);
+}
+
+void TVXRAMCursor::WriteRow(const TVXRecordStruct& record) {
+  TVXRAMRow* row = nullptr;
+  // Kept: the number of fields isn't compared here.
+  for (std::int32_t i = 0; i < table_->Get_FieldDefs()->Count(); ++i) {
+    table_->CheckFieldType(i, record.Field(i));  // before a missing row is missed
+    if (row == nullptr) table_->BeforeWrite(row = NeedCurrentRecord());
+    table_->StoreField(row, i, record.Field(i));
+  }
+  if (row != nullptr) table_->AfterWrite();
 }
 
 void TVXRAMCursor::UpdateRecWithValues(const TVXRecordStruct& record) {
   const TTableOperation running(*table_);
-  table_->RaiseChangeStamp();
   updatingRecord_ = true;  // kept: stays set if a field's type doesn't fit
-  // Kept: the number of fields isn't compared here.
-  for (std::int32_t i = 0; i < table_->Get_FieldDefs()->Count(); ++i) {
-    table_->CheckFieldType(i, record.Field(i));  // before a missing row is missed
-    table_->StoreField(NeedCurrentRecord(), i, record.Field(i));
-  }
+  WriteRow(record);
   updatingRecord_ = false;
   RecordEditionNotification(Get_CurrentRecord());
-  const std::int32_t id = Get_RecordID();
+  const TVXRAMRow* const row = Get_CurrentRecord();
+  const std::int32_t id = table_->InternalGetRecordID(row);
   table_->RebuildIndices();
-  SetRecIndexByID(id);
+  GoToRow(id, row);
 }
 
 void TVXRAMCursor::DeleteRec() {
@@ -332,9 +361,7 @@ void TVXRAMCursor::SortAfter(const TVXRAMRow* touched, const std::string& sortSp
   if (!sortSpecification.empty() || !sortParser_->GetText().empty()) sortParser_->SetText(sortSpecification);
   table_->TakeSortFields(*sortParser_);
   TVXList& rows = *Get_ActiveRecordList();
-  // The main list is shared: what one cursor's sort left, the next one's finds.
-  TVXRAMKnownSort& known = &rows == table_->Get_MainRecordList() ? table_->mainSort_ : knownSort_;
-  if (table_->SortByFields(rows, known, touched)) GoToFirstRec();
+  if (table_->SortByFields(rows, SortOf(rows), touched)) GoToFirstRec();
 }
 
 void TVXRAMCursor::Set_SortedField(const std::string& value) {
@@ -416,7 +443,7 @@ IRecordOwner& TVXRAMCursor::RecordOwner() const {
 
 void TVXRAMCursor::RecordDeletionNotification(TVXRAMCursor*, TVXRAMRow* row) {
   const TTableOperation running(*table_);
-  const std::int32_t at = Get_IsFiltered() ? table_->Find(*filteredList_, row, physicalIndex_) : -1;
+  const std::int32_t at = Get_IsFiltered() ? table_->Find(*filteredList_, row, physicalIndex_, knownSort_) : -1;
   if (at >= 0) filteredList_->Delete(at);
   RecordOwner().Refresh();
 }
@@ -432,6 +459,7 @@ void TVXRAMCursor::RecordEditionNotification(TVXRAMRow*) {}
 void TVXRAMCursor::TableClearingNotification() {
   filteredList_->Clear();
   physicalIndex_ = Ascending() ? -1 : Get_RecordCount();
+  if (auto* const owner = owner_.As<IRecordOwner>()) owner->TableCleared();
 }
 
 void TVXRAMCursor::IndexRebuildingNotification() { RebuildFilteredList(*Get_InternalRecordList()); }

@@ -18,6 +18,7 @@
 // descending. A field position outside the definitions raises the range error of the collection.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -40,10 +41,13 @@ inline constexpr std::int32_t kDone = 0;
 inline constexpr std::int32_t kAtBeginning = -1;
 inline constexpr std::int32_t kAtEnd = -2;
 
-/// Who owns a cursor: a component that wants to hear of every deletion, with the row still readable. Data sets are.
+/// Who owns a cursor: a component that wants to hear of every deletion, with the row still readable, by Refresh().
+/// Data sets are.
 class IRecordOwner {
  public:
   virtual void Refresh() = 0;
+  /// The table was cleared: none of its rows is there any more. Must not raise.
+  virtual void TableCleared() {}
   /// A cursor of this owner is going, whoever frees it: nobody must touch it any more. Must not raise.
   virtual void CursorClosed(TVXRAMCursor* cursor) { static_cast<void>(cursor); }
 
@@ -233,6 +237,8 @@ class TVXRAMCursor : public TPersistent {
   TComponent* Get_Owner() const { return owner_.Get(); }
   bool Get_IsUpdatingRecord() const { return updatingRecord_; }
 
+  /// True if the cursor walks rows of the table, with ids that the table gave them.
+  virtual bool ListsTableRows() const { return true; }
   /// True if the row's memory must stay although the table has dropped it. Asked only while cursors that answer true
   /// are open.
   virtual bool NamesRow(const TVXRAMRow*) const { return false; }
@@ -253,23 +259,30 @@ class TVXRAMCursor : public TPersistent {
 
   bool Ascending() const { return order_ == vxrcoAscending; }
   void SortAfter(const TVXRAMRow* touched, const std::string& sortSpecification);
+  void WriteRow(const TVXRecordStruct& record);  // into the current row
   /// The owner as one that can be told of deletions; ENilAccess without an owner, EInvalidCast if it is of another
   /// kind.
   IRecordOwner& RecordOwner() const;
   /// The current row, or ENilAccess.
   TVXRAMRow* NeedCurrentRecord() const;
-  /// Where the row with this id stands in `list`; the answer is that of a walk from the front.
-  std::int32_t FindById(const TVXList& list, std::int32_t id) const;
+  /// SetRecIndexByID for a caller who believes to know the row.
+  void GoToRow(std::int32_t id, const TVXRAMRow* row);
+  /// Where the row with this id stands in `list`; the answer is that of a walk from the front. `row` may be the one, or
+  /// null.
+  std::int32_t FindById(const TVXList& list, std::int32_t id, const TVXRAMRow* row);
   TVXList* SharedList() const;
   std::int32_t AlreadyFiltered(const TVXList& source) const;
   /// Where the row with this id seems to stand; -1 says nothing.
-  std::int32_t SearchById(const TVXList& list, std::int32_t id) const;
+  std::int32_t SearchById(const TVXList& list, std::int32_t id, const TVXRAMRow* row);
+  /// What is known of the order of one of the lists that this cursor may walk.
+  TVXRAMKnownSort& SortOf(const TVXList& list);
 
   TVXRAMTable* table_;
   TVXRAMCursorDesc* desc_;  // until the cursor is made
   TComponentRef<TComponent> owner_;
   TVXRAMCursorOrder order_ = vxrcoAscending;
   std::int32_t physicalIndex_ = -1;
+  std::int32_t stood_ = 0;  // the latest physical index on a row: a search by id begins there
   std::int32_t updateCounter_ = 0;
   bool updatingRecord_ = false;
   std::string sortedField_;
@@ -286,6 +299,7 @@ class TVXRAMCursor : public TPersistent {
     std::int32_t count = 0;
   } filtered_;
   TVXRAMIndex* index_ = nullptr;  // the table takes it away when its definition is freed
+  std::size_t madeAt_ = 0;        // its place in the table's list of all that were made
 };
 
 namespace VXRAMTable_CMP {

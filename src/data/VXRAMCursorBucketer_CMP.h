@@ -304,6 +304,7 @@ class TVXRAMCursorBucketer : public TVXRAMCursor {
   bool Get_IsDateTime() const { return isDateTime_; }
   void SetIsDateTime(bool value) { isDateTime_ = value; }
 
+  bool ListsTableRows() const override { return false; }
   bool NamesRow(const TVXRAMRow* row) const override;
 
  private:

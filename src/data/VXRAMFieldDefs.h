@@ -33,6 +33,8 @@ class TVXRAMFieldRef {
   TVXRAMFieldRef() = default;
   TVXRAMFieldRef(TVXRAMFieldDef* field);  // NOLINT: stands wherever a pointer stood
   TVXRAMFieldDef* Get() const { return self_ == nullptr ? nullptr : *self_; }
+  /// There was a definition, and it was freed.
+  bool IsLost() const { return self_ != nullptr && *self_ == nullptr; }
 
  private:
   std::shared_ptr<TVXRAMFieldDef*> self_;

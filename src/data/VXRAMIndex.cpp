@@ -11,8 +11,6 @@ namespace vx {
 
 namespace {
 
-constexpr std::int32_t kFewEquals = 64;
-
 /// Changes of definitions are refused while the base index of the table holds rows; without a table there is none.
 void GuardIndexDefs(const TVXRAMTable* table) {
   if (table != nullptr) table->CheckIndexDefChangesAllowed();
@@ -56,18 +54,12 @@ std::int32_t TVXRAMIndex::Find(const TVXRAMRow* row) const {
   const TVXRAMTable* const table = Table();
   if (table == nullptr || !table->pool_.Owns(row)) return list_->IndexOf(row);
   const std::int32_t at = SearchKeyOf(row);
-  return at >= 0 ? at : table->Find(*list_, row, 0);
+  return at >= 0 ? at : table->Find(*list_, row, 0, {});
 }
 
 std::int32_t TVXRAMIndex::SearchKeyOf(const TVXRAMRow* row) const {
   if (!IsSorted()) return -1;
-  const auto order = [&](const TVXRAMRow* other) { return CompareRows(other, row, order_.slot); };
-  const std::int32_t first = SearchRow(*list_, [&](const TVXRAMRow* other) { return order(other) < 0; });
-  const std::int32_t end = SearchRow(*list_, [&](const TVXRAMRow* other) { return order(other) <= 0; });
-  for (std::int32_t at = first; at < std::min(end, first + kFewEquals); ++at)
-    if (Get_Record(at) == row) return at;
-  // Many equal ones are walked as pointers, without a look at the rows.
-  return end - first > kFewEquals ? list_->IndexOf(row, first) : -1;
+  return SearchEqual(*list_, row, [&](const TVXRAMRow* other) { return CompareRows(other, row, order_.slot); });
 }
 
 // -- Rebuilding -------------------------------------------------------------------------------------------------------
@@ -88,12 +80,30 @@ bool TVXRAMIndex::KnowsOrder() const {
 void TVXRAMIndex::NoteChange(std::int32_t count) {
   order_.rewrites = list_->Rewrites();
   order_.count = count;
+  order_.stray = -1;
+}
+
+void TVXRAMIndex::BeforeWrite(const TVXRAMRow* row) {
+  order_.stray = SearchKeyOf(row);
+  if (order_.stray < 0) order_.count = -1;
+}
+
+void TVXRAMIndex::AfterWrite() {
+  if (order_.count >= 0) order_.stamp = Need(Table(), "table of the index").Get_ChangeStamp();
+}
+
+/// Where the one row stands that came, or was written into, since the list was in order; -1 if there are others.
+std::int32_t TVXRAMIndex::StrayRow() const {
+  if (!KnowsOrder()) return -1;
+  if (order_.count == Get_RecCount()) return order_.stray;
+  return order_.count == Get_RecCount() - 1 && order_.stray < 0 ? order_.count : -1;
 }
 
 void TVXRAMIndex::ReBuild() {
   const TVXRAMFieldSlot slot = TakeSlot();
-  const bool oneIsNew = order_.count == Get_RecCount() - 1 && KnowsOrder() && slot == order_.slot;
-  if (!oneIsNew || !PlaceLast()) {
+  const std::int32_t stray = slot == order_.slot ? StrayRow() : -1;
+  if (stray < 0 || !Place(stray)) {
+    const bool oneIsNew = stray >= 0 && order_.stray < 0;
     Pack();
     if (slot.type > kLastFieldType) throw ERTEInvalidFieldType("Cannot sort on a field of this type.");
     SortRows(list_->Data(), list_->Count(), {{slot}});
@@ -104,24 +114,31 @@ void TVXRAMIndex::ReBuild() {
   Need(Table(), "table of the index").IndexRebuildingNotification(this);
 }
 
-/// Moves the last row to where a sort would leave it. Where two rows are equal only the sort itself knows: false then.
-bool TVXRAMIndex::PlaceLast() {
-  const std::int32_t last = Get_RecCount() - 1;
-  const TVXRAMRow* const row = Get_Record(last);
-  if (!order_.differ) order_.differ = RowsDiffer();
+/// Moves the row at `at`, all others being in order, to where a sort would leave it. Where two rows are equal only the
+/// sort itself knows: false then.
+bool TVXRAMIndex::Place(std::int32_t at) {
+  const TVXRAMRow* const row = Get_Record(at);
+  if (!order_.differ) order_.differ = OthersDiffer(at);
   if (row == nullptr || order_.differ == false) return false;
-  const auto order = [&](const TVXRAMRow* other) { return CompareRows(other, row, order_.slot); };
-  const std::int32_t at = SearchRow(*list_, [&](const TVXRAMRow* other) { return order(other) < 0; });
-  order_.differ = at == last || order(Get_Record(at)) != 0;
+  const std::int32_t others = Get_RecCount() - 1;
+  const auto order = [&](std::int32_t i) { return CompareRows(Get_Record(i < at ? i : i + 1), row, order_.slot); };
+  const std::int32_t place = SearchPosition(others, [&](std::int32_t i) { return order(i) < 0; });
+  order_.differ = place == others || order(place) != 0;
   if (order_.differ == false) return false;
-  list_->Move(last, at);
-  NoteChange(last + 1);
+  if (place != at) list_->Move(at, place);
+  NoteChange(others + 1);
   return true;
 }
 
-bool TVXRAMIndex::RowsDiffer() const {
-  for (std::int32_t i = 1; i < order_.count; ++i)
-    if (CompareRows(Get_Record(i - 1), Get_Record(i), order_.slot) == 0) return false;
+/// Whether each row stands before the next one, `but` left out.
+bool TVXRAMIndex::OthersDiffer(std::int32_t but) const {
+  const TVXRAMRow* before = nullptr;
+  for (std::int32_t i = 0; i < Get_RecCount(); ++i) {
+    if (i == but) continue;
+    const TVXRAMRow* const row = Get_Record(i);
+    if (before != nullptr && CompareRows(before, row, order_.slot) >= 0) return false;
+    before = row;
+  }
   return true;
 }
 

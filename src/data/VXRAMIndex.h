@@ -2,11 +2,12 @@
 //
 // A table owns one TVXRAMBaseIndex, on the record id, and for each TVXRAMIndexDef one TVXRAMUserIndex, on a field. An
 // index is always ascending, nulls last, text by locale without case. It fills with the rows that are added after its
-// definition; rows that were there before are not looked up.
+// definition; rows that were there before are not looked up. A definition that was never given a field lets no rows be
+// added; one whose field was freed leaves its rows in the order that they have.
 //
 // An index is as sorted as its last rebuild left it: Add appends, Remove keeps the order, Insert appends and rebuilds.
-// A rebuild sorts all rows; one after a single row was appended to rows whose values all differ, as its own does, only
-// puts that row where the sort would: O(log n) and the moving of the pointers behind it.
+// A rebuild sorts all rows; one after a cursor appended or wrote into a single row, where all values differ, only puts
+// that row where the sort would: O(log n) and the moving of the pointers in between.
 #pragma once
 
 #include <cstdint>
@@ -82,17 +83,22 @@ class TVXRAMIndex : public TObject {
     std::uint64_t stamp = 0;     // the table's when this was true
     std::uint64_t rewrites = 0;  // the list's
     std::int32_t count = -1;     // how many rows are sorted: the first ones; -1 for no order
-    std::optional<bool> differ;  // no two of them compare equal; unset: not looked at
+    std::optional<bool> differ;  // no two of them compare equal, the stray left out; unset: not looked at
+    std::int32_t stray = -1;     // where a row stands that was written into since; -1 for none
   };
 
   /// The type without its highest bit.
   TVXRAMFieldType KeyType() const;
   TVXRAMFieldSlot TakeSlot();
   bool KnowsOrder() const;
-  bool IsSorted() const { return order_.count == Get_RecCount() && KnowsOrder(); }
+  bool IsSorted() const { return order_.count == Get_RecCount() && order_.stray < 0 && KnowsOrder(); }
   void NoteChange(std::int32_t count);
-  bool PlaceLast();
-  bool RowsDiffer() const;
+  /// A row is about to be written into, and nothing else until AfterWrite.
+  void BeforeWrite(const TVXRAMRow* row);
+  void AfterWrite();
+  std::int32_t StrayRow() const;
+  bool Place(std::int32_t at);
+  bool OthersDiffer(std::int32_t but) const;
   /// Where the row stands, found by its value; -1 says nothing.
   std::int32_t SearchKeyOf(const TVXRAMRow* row) const;
   std::int32_t Find(const TVXRAMRow* row) const;
@@ -159,10 +165,18 @@ class TVXRAMIndexDef : public TCollectionItem {
   void Set_FieldName(const std::string& value);
 
   TVXRAMFieldDef* Get_Field() const { return field_.Get(); }
+  /// The field was freed.
+  bool LostField() const { return field_.IsLost(); }
   TVXRAMUserIndex* Get_Index() const { return index_.get(); }
   TVXRAMTable* Get_Table() const;
 
  private:
+  friend class TVXRAMTable;
+  /// Rows have changed. There is nothing to sort by once the field is gone.
+  void ReBuildIndex() {
+    if (!LostField()) index_->ReBuild();
+  }
+
   TVXRAMFieldRef field_;
   TOwned<TVXRAMUserIndex> index_;
 };

@@ -40,6 +40,11 @@ std::int32_t TVXRAMKnownSort::Compare(const TVXRAMRow* first, const TVXRAMRow* s
   return 0;
 }
 
+std::int32_t TVXRAMKnownSort::Search(const TVXList& rows, const TVXRAMRow* row) const {
+  if (list_ != &rows) return -1;
+  return SearchEqual(rows, row, [&](const TVXRAMRow* other) { return other == nullptr ? 1 : Compare(other, row); });
+}
+
 /// Whether each row stands before the next one, `but` left out.
 bool TVXRAMKnownSort::Differ(const TVXList& rows, const TVXRAMRow* but) const {
   const TVXRAMRow* before = nullptr;

@@ -22,6 +22,9 @@ class TVXRAMKnownSort {
   /// Brings `rows` into the order that SortRows makes. `touched` is the one row that was added to the list or changed
   /// since the last call, null for none or several. `stamp` differs from the last call's if other rows were changed.
   void Sort(TVXList& rows, const std::vector<TSortColumn>& columns, std::uint64_t stamp, const TVXRAMRow* touched);
+  /// Where the row seems to stand in a list that was sorted last; -1 says nothing. Rows and list may have changed
+  /// since.
+  std::int32_t Search(const TVXList& rows, const TVXRAMRow* row) const;
   /// The next call sorts all.
   void Forget() { list_ = nullptr; }
 

@@ -76,7 +76,8 @@ void TVXRAMTable::ReleaseMemory() {
 
 void TVXRAMTable::CursorGone(TVXRAMCursor* cursor) {
   const TTableOperation running(*this);  // whose end may be the table's
-  *std::find(made_.rbegin(), made_.rend(), cursor) = made_.back();
+  made_.back()->madeAt_ = cursor->madeAt_;
+  made_[cursor->madeAt_] = made_.back();
   made_.pop_back();
 }
 
@@ -302,32 +303,50 @@ TVXRAMRow* TVXRAMTable::NewFilledRow(const TVXRecordStruct& record, std::int32_t
 
 std::int32_t TVXRAMTable::AddRecordAndValues(const TVXRecordStruct& record, std::int32_t index, std::int32_t position,
                                              std::int32_t& recordId, bool append) {
+  std::int32_t result = -1;
+  AddFilledRow(record, index, position, recordId, append, result);
+  return result;
+}
+
+TVXRAMRow* TVXRAMTable::AddFilledRow(const TVXRecordStruct& record, std::int32_t index, std::int32_t position,
+                                     std::int32_t& recordId, bool append, std::int32_t& result) {
   const TTableOperation running(*this);
   CheckNesting();
   TVXRAMRow* const row = NewFilledRow(record, recordId);
-  std::int32_t result = -1;
+  result = -1;
   if (!append && position >= 0)
     mainRecordList_->Insert(position, row);  // kept: the result says nothing of it
   else
     result = mainRecordList_->Add(row);
   for (std::int32_t i = 0; i < indices_->Count(); ++i) {
-    TVXRAMUserIndex& userIndex = *indices_->Get_Item(i)->Get_Index();
-    const std::int32_t at = userIndex.list_->Add(row);
-    userIndex.ReBuild();
+    TVXRAMIndexDef& definition = *indices_->Get_Item(i);
+    const std::int32_t at = definition.Get_Index()->list_->Add(row);
+    definition.ReBuildIndex();
     if (i == index) result = at;
   }
   cursors_.ForEach([row](TVXRAMCursor& cursor) { cursor.RecordInsertionNotification(row); });
-  return result;
+  return row;
+}
+
+void TVXRAMTable::BeforeWrite(const TVXRAMRow* row) {
+  for (std::int32_t i = 0; i < indices_->Count(); ++i) indices_->Get_Item(i)->Get_Index()->BeforeWrite(row);
+  RaiseChangeStamp();
+}
+
+void TVXRAMTable::AfterWrite() {
+  for (std::int32_t i = 0; i < indices_->Count(); ++i) indices_->Get_Item(i)->Get_Index()->AfterWrite();
 }
 
 void TVXRAMTable::RebuildIndices() {
-  for (std::int32_t i = 0; i < indices_->Count(); ++i) indices_->Get_Item(i)->Get_Index()->ReBuild();
+  for (std::int32_t i = 0; i < indices_->Count(); ++i) indices_->Get_Item(i)->ReBuildIndex();
 }
 
 // -- Deleting and clearing --------------------------------------------------------------------------------------------
 
-std::int32_t TVXRAMTable::Find(const TVXList& rows, const TVXRAMRow* row, std::int32_t hint) const {
-  return idsAreUnique_ && pool_.Owns(row) ? FindRow(rows, row, hint) : rows.IndexOf(row);
+std::int32_t TVXRAMTable::Find(const TVXList& rows, const TVXRAMRow* row, std::int32_t hint,
+                               const TVXRAMKnownSort& sort) const {
+  if (!idsAreUnique_ || !pool_.Owns(row)) return rows.IndexOf(row);
+  return FindRow(rows, row, hint, [&] { return sort.Search(rows, row); });
 }
 
 bool TVXRAMTable::IsLeaving(const TVXRAMRow* row) const {
@@ -355,9 +374,10 @@ void TVXRAMTable::DeleteRecord(TVXRAMCursor* origin, TVXRAMRow* row) {
   baseIndex_->Remove(row);
   for (std::int32_t i = 0; i < indices_->Count(); ++i) indices_->Get_Item(i)->Get_Index()->Remove(row);
   cursors_.ForEach([origin, row](TVXRAMCursor& cursor) { cursor.RecordDeletionNotification(origin, row); });
-  const std::int32_t at = Find(*mainRecordList_, row, hint);
+  const std::int32_t at = Find(*mainRecordList_, row, hint, mainSort_);
   if (at < 0) return;  // kept: a row that stood in the base index alone stays allocated
   mainRecordList_->Delete(at);
+  lastDeletedId_ = RowId(row);
   ReleaseRow(row);
 }
 

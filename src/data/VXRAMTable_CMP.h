@@ -110,16 +110,17 @@ class TVXRAMTable : public TComponent {
   /// `index` names (-1: the base index; else the number of a user index), -1 if there is none such.
   std::int32_t AddRecord(std::int32_t index, std::int32_t& recordId);
   /// Adds a filled row to the main record list, at `position` or at the end, and to every user index, each of which is
-  /// rebuilt. Answers the position appended at; after an insertion -1; for a user index named by `index` the position
-  /// before its rebuild. A record structure that doesn't fit the definitions raises an Exception; the row then stays
-  /// allocated, listed nowhere. A position beyond the list raises its range error.
+  /// rebuilt, unless its field was freed: it then stays in the order of adding. Answers the position appended at; after
+  /// an insertion -1; for a user index named by `index` the position before its rebuild. A record structure that
+  /// doesn't fit the definitions raises an Exception; the row then stays allocated, listed nowhere. A position beyond
+  /// the list raises its range error.
   std::int32_t AddRecordAndValues(const TVXRecordStruct& record, std::int32_t index, std::int32_t position,
                                   std::int32_t& recordId, bool append);
   /// Takes a row out of every container, tells the cursors while it is still readable, and releases it if the main list
   /// held it. Null is ignored.
   void DeleteRecord(TVXRAMCursor* origin, TVXRAMRow* row);
   /// Releases the rows of the base index or, if it had none, of the main list; empties every container; tells the
-  /// cursors.
+  /// cursors, and their owners: data sets then show that nothing is left.
   void ClearTable();
   /// Kept: does nothing. Deletion is physical.
   void Pack() {}
@@ -206,10 +207,16 @@ class TVXRAMTable : public TComponent {
   }
   /// Copies an element of a record structure into a row, after CheckFieldType.
   void StoreField(TVXRAMRow* row, std::int32_t field, const TVXFieldStruct& element);
-  /// Rebuilds every user index in definition order.
+  /// Rebuilds every user index in definition order, but for those whose field is gone.
   void RebuildIndices();
-  /// Where the row stands in `rows`, -1 if nowhere; soonest if it is at `hint`.
-  std::int32_t Find(const TVXList& rows, const TVXRAMRow* row, std::int32_t hint) const;
+  /// AddRecordAndValues; answers the row, and the position in `result`.
+  TVXRAMRow* AddFilledRow(const TVXRecordStruct& record, std::int32_t index, std::int32_t position,
+                          std::int32_t& recordId, bool append, std::int32_t& result);
+  /// A row is about to be written into, and nothing else until AfterWrite. Raises the change stamp.
+  void BeforeWrite(const TVXRAMRow* row);
+  void AfterWrite();
+  /// Where the row stands in `rows`, -1 if nowhere; soonest if it is at `hint`, or if `sort` has sorted them.
+  std::int32_t Find(const TVXList& rows, const TVXRAMRow* row, std::int32_t hint, const TVXRAMKnownSort& sort) const;
   /// Fills the list of sort fields from a sort specification.
   void TakeSortFields(const TVXStringParser& sortItems);
   /// Sorts a list of rows by the list of sort fields, going on from what is known of an earlier sort; false, and
@@ -217,11 +224,16 @@ class TVXRAMTable : public TComponent {
   bool SortByFields(TVXList& rows, TVXRAMKnownSort& known, const TVXRAMRow* touched);
   /// True as long as nobody wrote ids or index entries by hand: then no id stands twice in a list.
   bool IdsAreUnique() const { return idsAreUnique_; }
+  /// The id of the row that was deleted last: no list of this table's rows has it.
+  std::int32_t LastDeletedId() const { return lastDeletedId_; }
   /// Cursors on the index walk the main list from now on; the index goes when nobody can be inside it.
   void IndexFreed(TOwned<TVXRAMUserIndex> index);
   void CursorFreed(TVXRAMCursor* cursor);
   // The table's memory stays for as long as a cursor's: the last one to go ends a table that was freed meanwhile.
-  void CursorMade(TVXRAMCursor* cursor) { made_.push_back(cursor); }
+  void CursorMade(TVXRAMCursor* cursor) {
+    cursor->madeAt_ = made_.size();
+    made_.push_back(cursor);
+  }
   void CursorGone(TVXRAMCursor* cursor);
   /// Cursors on an index whose definition isn't this table's any more walk the main list from now on.
   void LeaveStrayIndexes();
@@ -269,6 +281,7 @@ class TVXRAMTable : public TComponent {
   TListenerList<TVXRAMCursor> cursors_;  // the open ones, in the order of their opening
   std::uint64_t changeStamp_ = 0;
   std::int32_t nextId_ = 0;
+  std::int32_t lastDeletedId_ = kNoRecordId;
   std::int32_t updateCounter_ = 0;
 
   bool closed_ = false;              // torn down: opens no cursors any more

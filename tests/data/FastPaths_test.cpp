@@ -80,6 +80,58 @@ TEST(FastPaths, DeletionsFromLongListsAgreeWithVectors) {
   EXPECT_EQ(table->CheckRows(), "");
 }
 
+// -- Edits ------------------------------------------------------------------------------------------------------------
+
+using TRows = std::vector<void*>;
+
+TRows RowsOf(const TVXList& list) { return {list.Data(), list.Data() + list.Count()}; }
+
+/// What a rebuild makes that knows nothing of the one before.
+TRows SortedAnew(const TVXRAMIndex& index, const TRows& rows) {
+  const auto list = Make<TVXList>();
+  for (void* const row : rows) list->Add(row);
+  list->SortEx([&index](void* first, void* second) {
+    return index.IntegerSortCompare(static_cast<TVXRAMRow*>(first), static_cast<TVXRAMRow*>(second));
+  });
+  return RowsOf(*list);
+}
+
+TEST(FastPaths, EditsAndSearchesByIdAgreeWithWholeSortsAndWalks) {
+  const std::uint32_t seed = std::random_device{}();
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  TDice dice(seed);
+  for (const std::int32_t keys : {1'000'000, 100'000, 300}) {  // all differ mostly, sometimes, never
+    TTestTable table({{"Key", vxrftInteger}, {"Even", vxrftBoolean}}, {"Key"});
+    const auto record = [&] { return table.Record({dice.OneIn(500) ? Null() : dice.Below(keys), 1}); };
+    for (std::int32_t i = 0; i < 150; ++i) table.Add({dice.Below(keys), 1});
+    TVXRAMCursor* const cursors[] = {&table.Open({.index = 0}), &table.Open({.sort = "Key.D"}), &table.Open(),
+                                     &table.Open({.sort = "Key", .filterField = "Even", .filterValue = true})};
+    for (std::int32_t step = 0; step < 2000; ++step) {
+      TVXRAMCursor& cursor = *cursors[dice.Below(4)];
+      const std::int32_t at = dice.Below(cursor.Get_RecordCount());
+      void* const row = cursor.Get_ActiveRecordList()->Items(at);
+      std::int32_t id = RowId(static_cast<TVXRAMRow*>(row));
+      cursor.Set_RecordID(id);
+      ASSERT_EQ(cursor.Get_PhysicalIndex(), at) << "step " << step;
+      TRows indexed = RowsOf(*table.Index(0).Get_List());
+      const std::int32_t action = dice.Below(4);
+      if (action == 0) cursor.UpdateRecWithValues(*record());
+      if (action == 1) SetField(cursor, "Key", dice.Below(keys));
+      if (action > 1) {
+        cursor.DeleteRec();
+        std::erase(indexed, row);
+        cursor.Set_RecordID(id);
+        EXPECT_EQ(cursor.Get_PhysicalIndex(), -1);
+        cursor.InsertRecWithValues(*record(), dice.OneIn(2));
+        id = cursor.Get_RecordID();
+        indexed.push_back(cursor.Get_CurrentRecord());
+      }
+      ASSERT_EQ(cursor.Get_RecordID(), id) << "step " << step;
+      ASSERT_EQ(RowsOf(*table.Index(0).Get_List()), SortedAnew(table.Index(0), indexed)) << "step " << step;
+    }
+  }
+}
+
 // -- The change stamp -------------------------------------------------------------------------------------------------
 
 TEST(FastPaths, EveryWriteIntoAnOlderRowRaisesTheChangeStamp) {

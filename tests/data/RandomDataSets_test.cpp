@@ -1,6 +1,6 @@
 // Random operations on three data sets over one table (plain; sorted and filtered; detail of a master), on the real
-// ones and on the model (model/DataSetModel.h) side by side. What each set shows and the events of all must agree after
-// each.
+// ones and on the model (model/DataSetModel.h) side by side. What each set and the controls on it show, and the events
+// of all, must agree after each. Now and then an event raises.
 //
 //   KESTRIX_MODEL_OPS=2000000 KESTRIX_MODEL_SEED=77 tests_data --gtest_filter='RandomDataSets.*'
 
@@ -8,7 +8,13 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <numeric>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "data/VXMemoryDataset_CMP.h"
 #include "model/DataSetModel.h"
@@ -46,10 +52,59 @@ constexpr TCall kCalls[] = {
     {'r', "refresh", &TSet::Refresh, &TDataSet::Refresh},
 };
 
+/// As TSet::RowText of the active record.
+std::string RowText(TDataSet& set) {
+  std::string text = "#" + std::to_string(static_cast<TVXMemoryDataset&>(set).GetRecordId());
+  for (std::int32_t i = 0; i < set.FieldCount(); ++i) {
+    const TField& field = *set.Fields(i);
+    text += " " + field.FieldName() + "=" + (field.IsNull() ? "null" : field.GetAsString());
+  }
+  return text;
+}
+
+/// A control that shows several records. It paints only what it is told of.
+class TControl : public TDataLink {
+ public:
+  /// Of the real set, as they are now.
+  std::vector<std::string> Rows() {
+    std::vector<std::string> rows;
+    const std::int32_t active = ActiveRecord();
+    for (std::int32_t i = 0; i < RecordCount(); ++i) {
+      SetActiveRecord(i);
+      rows.push_back(RowText(*DataSet()));
+    }
+    if (!rows.empty()) SetActiveRecord(active);
+    return rows;
+  }
+  void Resize(std::int32_t count) {
+    SetBufferCount(count);
+    painted = Rows();
+  }
+  std::vector<std::string> painted;
+  std::function<void()> note;  ///< of UpdateData
+
+ protected:
+  void UpdateData() override { note(); }
+  void ActiveChanged() override { painted = Rows(); }
+  void DataSetChanged() override { painted = Rows(); }
+  /// Paints only what comes into sight.
+  void DataSetScrolled(std::int32_t distance) override {
+    const std::vector<std::string> before = std::exchange(painted, Rows());
+    for (std::int32_t i = 0; i < std::ssize(painted); ++i)
+      if (const std::int32_t at = i + distance; at >= 0 && at < std::ssize(before))
+        painted[static_cast<std::size_t>(i)] = before[static_cast<std::size_t>(at)];
+  }
+  void RecordChanged(TField*) override {
+    if (ActiveRecord() < std::ssize(painted)) painted[static_cast<std::size_t>(ActiveRecord())] = RowText(*DataSet());
+  }
+};
+
 /// A real set and its model.
 struct TPair {
   std::unique_ptr<TSet> model;
   TOwned<TVXMemoryDataset> real = Make<TVXMemoryDataset>(nullptr);
+  TOwned<TDataSource> source = Make<TDataSource>(nullptr);
+  std::vector<TOwned<TControl>> controls;
   std::string bookmark;  ///< of the real set, taken at some time
   std::int32_t bookmarkId = -1;
 };
@@ -65,9 +120,11 @@ class TRun {
     naiveTable_.AddField("Group", naive::TType::Integer, 4);
     OpenMaster();
     AddSet({.name = "plain", .fields = {kKey, kName, kGroup}});
-    AddSet({.name = "sorted", .fields = {kKey, kName}, .sortedField = "Name;Key.D", .filters = true});
+    AddSet(
+        {.name = "sorted", .fields = {kKey, kName}, .calculates = true, .sortedField = "Name;Key.D", .filters = true});
     AddSet({.name = "detail",
             .fields = {kKey, kName, kGroup},
+            .calculates = true,
             .detailField = naiveTable_.Def(kGroup),
             .masterValue = naive::TValue(0)});
   }
@@ -86,6 +143,7 @@ class TRun {
   }
   /// Walks each set from its first record to its last.
   std::string WalkAll() {
+    raises_ = false;
     for (TPair& pair : pairs_) {
       Do(
           &pair, "first", [&] { pair.model->First(); }, [&] { pair.real->First(); });
@@ -123,7 +181,8 @@ class TRun {
     TVXMemoryDataset& real = *pair.real;
     real.SetRAMTable(table_.get());
     real.SetSortedField(desc.sortedField);
-    if (desc.filters) AddPersistentFields(real);
+    if (desc.calculates) AddPersistentFields(real, desc.fields);
+    if (desc.calculates) real.OnCalcFields = &TRun::Calculate;
     if (desc.filters)
       real.SetOnFilterRecord([](TDataSet* set, bool& accept) {
         accept = !set->Fields(0)->IsNull() && set->Fields(0)->GetAsInteger() % 3 != 1;
@@ -134,21 +193,53 @@ class TRun {
       real.SetDetailField("Group");
     }
     for (const auto& [name, slot] : test::kDataSetEvents)
-      real.*slot = [this, text = desc.name + " " + name](TDataSet*) { realEvents_.push_back(text); };
+      real.*slot = [this, text = desc.name + " " + name](TDataSet*) { Note(text); };
     pair.model = std::make_unique<TSet>(naiveTable_, std::move(desc), naiveEvents_);
-    naiveEvents_.push_back(pair.model->desc.name + " BeforeOpen");
+    AddControls(pair);
     pair.model->Open();
     real.Open();
   }
 
-  /// All but the last.
-  static void AddPersistentFields(TVXMemoryDataset& set) {
-    TField* const key = New<TIntegerField>(&set);
-    TField* const name = New<TStringField>(&set);
-    name->SetSize(kNameSize);
-    key->SetFieldName("Key");
-    name->SetFieldName("Name");
-    for (TField* const field : {key, name}) field->SetDataSet(&set);
+  /// Two, one or none.
+  void AddControls(TPair& pair) {
+    const std::int32_t count = dice_.Below(3);
+    if (count > 0) pair.source->SetDataSet(pair.real.get());
+    pair.model->controls = count;
+    for (std::int32_t i = 0; i < count; ++i) {
+      TControl& control = *pair.controls.emplace_back(Make<TControl>());
+      control.note = [this, text = pair.model->desc.name + " UpdateData"] { Note(text); };
+      control.SetDataSource(pair.source.get());
+    }
+  }
+
+  void AddPersistentFields(TVXMemoryDataset& set, const std::vector<std::size_t>& fields) {
+    for (const std::size_t nb : fields) {
+      TField* const field = nb == kName ? static_cast<TField*>(New<TStringField>(&set)) : New<TIntegerField>(&set);
+      if (nb == kName) field->SetSize(kNameSize);
+      field->SetFieldName(naiveTable_.fields[nb]->name);
+      field->SetDataSet(&set);
+    }
+    TField* const calculated = New<TStringField>(&set);
+    calculated->SetSize(40);
+    calculated->SetFieldName("Calc");
+    calculated->SetFieldKind(fkCalculated);
+    calculated->SetDataSet(&set);
+  }
+
+  static void Calculate(TDataSet* sender) {
+    auto& set = static_cast<TVXMemoryDataset&>(*sender);
+    const std::int32_t last = set.FieldCount() - 1;
+    std::vector<std::string> values;
+    for (std::int32_t i = 0; i < last; ++i)
+      values.push_back(set.Fields(i)->IsNull() ? "null" : set.Fields(i)->GetAsString());
+    if (const std::string text = TSet::CalcText(set.GetRecordId(), values); text != "null")
+      set.Fields(last)->SetAsString(text);
+  }
+
+  void Note(const std::string& event) {
+    if (!realEvents_.Note(event)) return;
+    if (realEvents_.raised == "EAbort") throw EAbort("");
+    throw Exception("");
   }
 
   // -- Calls ---
@@ -156,10 +247,19 @@ class TRun {
   template <class Model, class Real>
   void Do(const TPair* pair, const std::string& what, Model&& onModel, Real&& onReal) {
     history_.push_back((pair == nullptr ? "master" : pair->model->desc.name) + " " + what);
+    PlanRaise();
     const std::string expected = Class(naive::Outcome(onModel));
     const std::string got = naive::Outcome(onReal);
     history_.back() += "  -> " + expected;
     Compare("answers", expected, Class(got));
+  }
+  /// Of the events that the next call tells, one may raise.
+  void PlanRaise() {
+    const auto next = static_cast<std::size_t>(dice_.Between(1, 5));
+    naiveEvents_.raisesAt = raises_ && dice_.OneIn(3) ? naiveEvents_.lines.size() + next : 0;
+    naiveEvents_.raised = dice_.OneIn(2) ? "EAbort" : "Exception";
+    realEvents_.raisesAt = naiveEvents_.raisesAt;
+    realEvents_.raised = naiveEvents_.raised;
   }
   /// Of an error its class alone: texts are the sets' own choice.
   static std::string Class(const std::string& outcome) {
@@ -181,7 +281,7 @@ class TRun {
 
   void Operate(TPair& pair) {
     // Fewer deletions than new records, and values for these.
-    static const std::string kBrowsing = "flmmmmiiaaeeeewpcdrkkbbso", kEditing = "wwwwwwwppppcflmiaedrkbso";
+    static const std::string kBrowsing = "flmmmmiiaaeeeewpcdrkkbbsog", kEditing = "wwwwwwwppppcflmiaedrkbsog";
     const std::string& calls = pair.model->IsEditing() ? kEditing : kBrowsing;
     const char call = calls[static_cast<std::size_t>(dice_.Below(static_cast<std::int32_t>(calls.size())))];
     for (const TCall& plain : kCalls)
@@ -194,15 +294,29 @@ class TRun {
     if (call == 'b') UseBookmark(pair);
     if (call == 's') Sort(pair);
     if (call == 'o') Reopen(pair);
+    if (call == 'g') Resize(pair);
   }
 
+  /// Until nobody refuses.
   void Reopen(TPair& pair) {
     Do(
-        &pair, "reopen", [&] { pair.model->Reopen(); },
-        [&] {
-          pair.real->Close();
-          pair.real->Open();
-        });
+        &pair, "close", [&] { pair.model->Close(); }, [&] { pair.real->Close(); });
+    while (!pair.real->GetActive() && difference_.empty())
+      Do(
+          &pair, "open", [&] { pair.model->Open(); }, [&] { pair.real->Open(); });
+  }
+
+  void Resize(TPair& pair) {
+    if (pair.controls.empty()) return;
+    TControl& control = *dice_.Pick(pair.controls);
+    const std::int32_t count = dice_.Between(1, 6);
+    const auto largest = [](std::size_t most, const auto& each) {
+      return std::max(most, static_cast<std::size_t>(each->BufferCount()));
+    };
+    Do(
+        &pair, "control from " + std::to_string(control.BufferCount()) + " to " + std::to_string(count), [] {},
+        [&] { control.Resize(count); });
+    pair.model->SetRoom(std::accumulate(pair.controls.begin(), pair.controls.end(), std::size_t{2}, largest));
   }
 
   void Sort(TPair& pair) {
@@ -287,26 +401,38 @@ class TRun {
   // -- Comparing ---
 
   std::string CompareAll() {
-    for (TPair& pair : pairs_) Compare(pair.model->desc.name, pair.model->Text(), RealText(pair));
-    Compare("events", Joined(naiveEvents_), Joined(realEvents_));
-    naiveEvents_.clear();
-    realEvents_.clear();
+    for (TPair& pair : pairs_) {
+      Compare(pair.model->desc.name, pair.model->Text(), RealText(*pair.real));
+      for (const auto& control : pair.controls) CompareControl(*pair.model, *control);
+    }
+    Compare("events", Joined(naiveEvents_.lines), Joined(realEvents_.lines));
+    naiveEvents_.lines.clear();
+    realEvents_.lines.clear();
     return difference_;
   }
 
-  std::string RealText(TPair& pair) {
-    TVXMemoryDataset& set = *pair.real;
-    std::string text = set.State() == dsBrowse ? "browse" : set.State() == dsEdit ? "edit" : "insert";
-    text += std::string(set.Bof() ? " bof" : "") + (set.Eof() ? " eof" : "");
+  /// Which of the set's records a control shows is open; but they are as many as can be, and the active one is there.
+  void CompareControl(const TSet& model, TControl& control) {
+    const std::int32_t active = control.ActiveRecord();
+    const auto room = static_cast<std::size_t>(control.BufferCount());
+    const std::string rows = Joined(model.Rows(static_cast<std::size_t>(active), room));
+    const std::string what =
+        model.desc.name + ", control of " + std::to_string(room) + ", active " + std::to_string(active);
+    const std::size_t most = std::min(room, model.Held());
+    Compare(what + ", count", std::to_string(most), std::to_string(control.RecordCount()));
+    Compare(what, rows, Joined(control.Rows()));
+    Compare(what + ", as painted", rows, Joined(control.painted));
+    Compare(what + ", editing", naive::ToText(model.IsEditing()), naive::ToText(control.Editing()));
+  }
+
+  static std::string RealText(TVXMemoryDataset& set) {
+    if (!set.GetActive()) return "closed";
+    const std::string state = set.State() == dsBrowse ? "browse" : set.State() == dsEdit ? "edit" : "insert";
     const std::string bookmark = set.GetBookmarkStr();
     std::int32_t id = -1;
     if (!bookmark.empty()) std::memcpy(&id, bookmark.data(), sizeof id);
-    text += " #" + std::to_string(id) + " record " + std::to_string(set.RecNo()) + " of " +
-            std::to_string(set.RecordCount());
-    for (std::int32_t i = 0; i < set.FieldCount(); ++i)
-      text +=
-          " " + set.Fields(i)->FieldName() + "=" + (set.Fields(i)->IsNull() ? "null" : set.Fields(i)->GetAsString());
-    return text;
+    return state + (set.Bof() ? " bof" : "") + (set.Eof() ? " eof" : "") + " at " + std::to_string(id) + ", record " +
+           std::to_string(set.RecNo()) + " of " + std::to_string(set.RecordCount()) + " " + RowText(set);
   }
 
   static std::string Joined(const std::vector<std::string>& lines) {
@@ -325,9 +451,11 @@ class TRun {
   TOwned<TVXRAMTable> masterTable_ = Make<TVXRAMTable>(nullptr);
   TOwned<TVXMemoryDataset> master_ = Make<TVXMemoryDataset>(nullptr);
   TOwned<TDataSource> source_ = Make<TDataSource>(nullptr);
-  std::vector<std::string> naiveEvents_, realEvents_, history_;
+  naive::TEvents naiveEvents_, realEvents_;
+  std::vector<std::string> history_;
   std::vector<TPair> pairs_;
   std::string difference_;
+  bool raises_ = true;
 };
 
 std::int64_t FromEnvironment(const char* name, std::int64_t otherwise) {

@@ -4,9 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "data/VXRscStringDataSet_CMP.h"
 #include "platform/component/ComponentStream.h"
 #include "platform/runtime/StringResources.h"
+#include "platform/runtime/Text.h"
 
 namespace vx {
 namespace {
@@ -91,6 +94,31 @@ TEST(VXLookupDataSet, PutsValuesWhereTheSortOrderSays) {
     set->SetSortOrder(vxlsoKey);  // moves nothing
     set->Open();
     EXPECT_EQ(Records(*set), expected);
+  }
+}
+
+TEST(VXLookupDataSet, FindsTheSamePlaceHoweverValuesCame) {
+  std::mt19937 die(7);
+  const auto roll = [&](std::int32_t count) { return static_cast<std::int32_t>(die() % static_cast<unsigned>(count)); };
+  const auto set = Make<TVXLookupDataSet>(nullptr);
+  TVXLookupValues& values = *set->GetLookupValues();
+  for (int step = 0; step < 3000; ++step) {
+    const std::int32_t count = values.Count();
+    const std::int32_t deed = count == 0 ? 0 : roll(30);
+    if (deed == 1) values.GetItem(roll(count))->SetKey(roll(9));
+    if (deed == 2) values.GetItem(roll(count))->SetText(std::string(1, static_cast<char>('a' + roll(9))));
+    if (deed == 3) values.SetSortOrder(static_cast<TVXLookupSortOrder>(roll(3)));
+    if (deed == 4) values.GetItem(roll(count))->SetIndex(roll(count));
+    if (deed == 5) step % 4 == 0 ? values.Clear() : values.Delete(roll(count));
+    const std::int32_t key = roll(9);
+    const std::string text(1, static_cast<char>((roll(2) == 0 ? 'a' : 'A') + roll(9)));
+    std::int32_t place = 0;
+    const auto greater = [&](const TVXLookupValue& value) {
+      if (values.GetSortOrder() == vxlsoKey) return value.GetKey() > key;
+      return values.GetSortOrder() == vxlsoText && CompareText(value.GetText(), text) > 0;
+    };
+    while (place < values.Count() && !greater(*values.GetItem(place))) ++place;
+    ASSERT_EQ(values.AddLookupValue(key, text)->Index(), place) << step;
   }
 }
 

@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <list>
+#include <set>
+
 #include "data/DataSetKit.h"
 #include "data/VXRAMIndexDef_FieldProperty_UNT.h"
 #include "platform/component/PropertyEditor.h"
@@ -48,6 +51,16 @@ void AddTools(const TTestTable& table) {
   table.Add({"nail", Null()});
 }
 TTestTable Tools() { return TTestTable({{"Name", vxrftString, 8}, {"Load", vxrftInteger}}, {"Load"}); }
+
+/// A persistent field of a closed set.
+template <class Field>
+Field* AddFieldTo(TDataSet& set, const char* name, TFieldKind kind = fkData) {
+  auto* const field = New<Field>(&set);
+  field->SetFieldName(name);
+  field->SetFieldKind(kind);
+  field->SetDataSet(&set);
+  return field;
+}
 
 template <class T>
 T At(const char* buffer, std::int32_t offset) {
@@ -200,6 +213,24 @@ TEST(MemoryDataset, ADeletionRefreshesTheOthersOnce) {
   for (const auto& set : sets) EXPECT_EQ(Records(*set), Records(*sets[0]));
 }
 
+TEST(MemoryDataset, ClearingTheTableEmptiesItsSets) {
+  const TTestTable table = Tools();
+  AddTools(table);
+  const auto set = OpenSet(*table), pending = OpenSet(*table, "Load");
+  const auto buckets = ClosedSet<TVXMemoryDatasetBucketer>(*table);
+  buckets->SetBucketedField("Name");
+  buckets->Open();
+  pending->Append();
+  Put(*pending, "Name", "axe");
+  table->ClearTable();
+  EXPECT_TRUE(set->IsEmpty());
+  EXPECT_TRUE(buckets->IsEmpty());
+  pending->Post();
+  EXPECT_EQ(Records(*pending), "axe null");
+  EXPECT_EQ(Records(*set), "axe null");
+  EXPECT_EQ(buckets->GetRecordCount(), 1);
+}
+
 TEST(MemoryDataset, GoesOnFromItsOwnRecordWhenAnInsertionMovedItsCursor) {
   const TTestTable table = Tools();
   AddTools(table);
@@ -212,6 +243,109 @@ TEST(MemoryDataset, GoesOnFromItsOwnRecordWhenAnInsertionMovedItsCursor) {
   EXPECT_EQ(Record(*sorted), "drill 3");
   EditAndPost(*sorted, "Name", "Drill");
   EXPECT_EQ(Records(*sorted), "bolt 0|saw 1|SAW 2|Drill 3|nail null");
+}
+
+TEST(MemoryDataset, ALinkSeesEachRecordOnceWhenAnInsertionMovedTheCursor) {
+  TTestTable table({{"Key", vxrftInteger}});
+  for (std::int32_t i = 0; i < 6; ++i) table.Add({i});
+  const auto sorted = OpenSet(*table, "Key.D");
+  const auto source = Make<TDataSource>(nullptr);
+  source->SetDataSet(sorted.get());
+  const auto link = Make<TFieldDataLink>();
+  link->SetDataSource(source.get());
+  sorted->Next();
+  OpenSet(*table)->AppendRecord({100});
+  link->SetBufferCount(5);
+  std::string shown;
+  for (std::int32_t i = 0; i < link->RecordCount(); ++i) {
+    link->SetActiveRecord(i);
+    shown += Record(*sorted) + " ";
+  }
+  EXPECT_EQ(shown, "5 4 3 2 1 ");
+}
+
+// -- Handlers ---------------------------------------------------------------------------------------------------------
+
+TEST(MemoryDataset, NoRecordIsFetchedWhileOneIsRead) {
+  const TTestTable table = Tools();
+  AddTools(table);
+  std::string told;
+  const auto go = [&](TDataSet* set) {
+    told = MessageOf<EDatabaseError>([&] { static_cast<TVXMemoryDataset*>(set)->SetRecordId(1); });
+  };
+  const auto set = ClosedSet(*table);
+  set->SetOnFilterRecord([&](TDataSet* sender, bool&) { go(sender); });
+  set->Open();
+  EXPECT_EQ(told, "No record can be fetched in the state dsFilter");
+  set->Close();
+  set->SetOnFilterRecord(nullptr);
+  AddFieldTo<TIntegerField>(*set, "Load");
+  AddFieldTo<TIntegerField>(*set, "Twice", fkCalculated);
+  set->OnCalcFields = [&](TDataSet* sender) { go(sender); };
+  set->Open();
+  EXPECT_EQ(told, "No record can be fetched in the state dsCalcFields");
+  EXPECT_EQ(Records(*set), "3 null|1 null|2 null|null null");
+  set->OnCalcFields = nullptr;
+
+  const auto source = Make<TDataSource>(nullptr);
+  source->SetDataSet(set.get());
+  std::int32_t count = 0;
+  const std::string endless = "Handlers and operations of the data set call each other without end";
+  source->OnDataChange = [&](TObject*, TField*) { set->SetRecordId(count++ % 3); };
+  EXPECT_EQ(MessageOf<EDatabaseError>([&] { set->First(); }), endless);
+  source->OnDataChange = nullptr;
+  set->AfterScroll = [&](TDataSet* sender) { sender->SetRecNo(1 + count++ % 3); };
+  EXPECT_EQ(MessageOf<EDatabaseError>([&] { set->First(); }), endless);
+}
+
+TEST(MemoryDataset, ASetThatIsOpenedAnewWhileARecordIsReadShowsItsNewRecords) {
+  for (const bool edits : {true, false}) {
+    TTestTable old = Tools();
+    const TTestTable fresh = Tools();
+    AddTools(old);
+    AddTools(fresh);
+    const auto set = ClosedSet(*old);
+    auto* const load = AddFieldTo<TIntegerField>(*set, "Load");
+    AddFieldTo<TIntegerField>(*set, "Twice", fkCalculated);
+    set->Open();
+    bool first = true;
+    set->OnCalcFields = [&](TDataSet*) {
+      if (!std::exchange(first, false)) return;
+      old.table.reset();
+      set->SetRAMTable(&*fresh);
+      set->Open();
+    };
+    if (edits) {
+      set->Edit();
+      load->SetAsInteger(77);
+    } else {
+      EXPECT_EQ(MessageOf<EDatabaseError>([&] { set->MoveBy(3); }),
+                "The data set was opened anew while a record was read");
+    }
+    EXPECT_EQ(set->State(), dsBrowse);
+    EXPECT_TRUE(set->Bof() && !set->Eof());
+    EXPECT_EQ(Record(*set), "3 null");
+    EXPECT_EQ(Records(*set), "3 null|1 null|2 null|null null");
+  }
+}
+
+TEST(MemoryDataset, AFieldKeepsItsSizeWhileItIsValidated) {
+  const TTestTable table = Tools();
+  AddTools(table);
+  const auto set = ClosedSet(*table);
+  auto* const name = AddFieldTo<TStringField>(*set, "Name");
+  set->Open();
+  set->Edit();
+  name->OnValidate = [&](TField* field) {
+    set->Close();
+    name->SetSize(5000);
+    set->Open();
+    set->Edit();
+    EXPECT_EQ(MessageOf<EDatabaseError>([&] { field->GetAsString(); }),
+              "Field 'Name' has got another size while it was validated");
+  };
+  EXPECT_NE(MessageOf<EDatabaseError>([&] { name->SetAsString("axe"); }), "");
+  EXPECT_EQ(Records(*set), "drill|saw|SAW|nail");
 }
 
 // -- Searches ---------------------------------------------------------------------------------------------------------
@@ -288,6 +422,30 @@ TEST(MemoryDataset, FiltersByItsHandlerAlone) {
   EXPECT_EQ(Records(*set), "saw 1|SAW 2|nail null|axe 0") << "at once where it was there before";
 }
 
+/// Has memory of its own for its buffers.
+class TPoolSet : public TVXMemoryDataset {
+ public:
+  using TVXMemoryDataset::TVXMemoryDataset;
+  char* AllocRecordBuffer() override { return pool_.emplace_back(256, '\0').data(); }
+  void FreeRecordBuffer(char*& buffer) override {
+    std::erase_if(pool_, [&](const std::vector<char>& each) { return each.data() == buffer; });
+    buffer = nullptr;
+  }
+
+ private:
+  std::list<std::vector<char>> pool_;
+};
+
+TEST(MemoryDataset, FiltersInTheBuffersOfItsClass) {
+  const TTestTable table = Tools();
+  AddTools(table);
+  const auto set = ClosedSet<TPoolSet>(*table);
+  set->SetOnFilterRecord(
+      [](TDataSet* sender, bool& accept) { accept = sender->FieldByName("Load")->GetAsInteger() > 1; });
+  set->Open();
+  EXPECT_EQ(Records(*set), "drill 3|SAW 2");
+}
+
 TEST(MemoryDataset, AFilterHandlerMayDoItsWorst) {
   const TTestTable table = Tools();
   AddTools(table);
@@ -350,6 +508,51 @@ TEST(MemoryDataset, ADetailShowsTheRowsOfItsMaster) {
   EXPECT_EQ(detail->GetMasterField(), "");
 }
 
+TEST(MemoryDataset, AMasterComesToItsEndWhateverItsDetailsSort) {
+  for (const char* detailField : {"", "Link"}) {
+    TTestTable table({{"Key", vxrftInteger}, {"Link", vxrftInteger}}, {"Key"});
+    for (std::int32_t i = 0; i < 47; ++i) table.Add({i * 7 % 5 % 2, i % 3 == 0 ? Null() : Variant(i % 4)});
+    const auto master = OpenSet(*table);
+    const auto source = Make<TDataSource>(nullptr);
+    source->SetDataSet(master.get());
+    const TOwned<TVXMemoryDataset> details[] = {ClosedSet(*table, "Key"), ClosedSet(*table, "Link.D")};
+    for (const auto& detail : details) {
+      detail->SetMasterSource(source.get());
+      detail->SetMasterField("Link");
+      detail->SetDetailField(detailField);
+      detail->Open();
+    }
+    std::set<std::int32_t> seen;
+    for (master->First(); !master->Eof() && seen.insert(master->GetRecordId()).second; master->Next())
+      EXPECT_EQ(details[0]->RecNo(), 1);
+    EXPECT_TRUE(master->Eof()) << "came back to a record";
+    EXPECT_EQ(seen.size(), 47);
+  }
+}
+
+TEST(MemoryDataset, AMasterValueOfAnotherKindIsToldWithBothFields) {
+  TTestTable orders({{"Code", vxrftString, 8}}), lines({{"Order", vxrftInteger}});
+  for (const char* code : {"1", "two", "1"}) orders.Add({code});
+  lines.Add({1});
+  const auto master = OpenSet(*orders);
+  const auto source = Make<TDataSource>(nullptr);
+  source->SetDataSet(master.get());
+  const auto detail = ClosedSet(*lines);
+  detail->SetMasterSource(source.get());
+  detail->SetMasterField("Code");
+  detail->SetDetailField("Order");
+  detail->Open();
+  const std::string told = "Detail field 'Order' can't be compared with master field 'Code': ";
+  EXPECT_TRUE(MessageOf<EVariantError>([&] { master->Next(); }).starts_with(told));
+  EXPECT_EQ(Record(*master), "two");
+  EXPECT_TRUE(detail->IsEmpty());
+  detail->Close();
+  EXPECT_TRUE(MessageOf<EVariantError>([&] { detail->Open(); }).starts_with(told));
+  master->Next();
+  detail->Open();
+  EXPECT_EQ(Records(*detail), "1");
+}
+
 // -- Texts ------------------------------------------------------------------------------------------------------------
 
 TEST(MemoryDataset, ShowsAndReadsTexts) {
@@ -376,6 +579,19 @@ TEST(MemoryDataset, ShowsAndReadsTexts) {
     EXPECT_EQ(field.DisplayText(), each.shown) << each.field;
     EXPECT_EQ(field.Value(), each.value) << each.field << " " << each.typed;
   }
+  const std::pair<const char*, std::string> refused[] = {
+      {"Span", "-"}, {"Span", "5 sols"}, {"Date", "2/30/2024"}, {"Text", {"a\0b", 3}}, {"Int", {"1\0", 2}}};
+  for (const auto& [name, typed] : refused) {
+    const std::string before = set->FieldByName(name)->Text();
+    EXPECT_NE(Raised([&] { set->FieldByName(name)->SetText(typed); }).find("ield '" + std::string(name) + "'"),
+              std::string::npos)
+        << typed;
+    EXPECT_EQ(set->FieldByName(name)->Text(), before);
+  }
+  EXPECT_EQ(MessageOf<EDatabaseError>([&] {
+              set->FieldByName("Text")->SetAsString({"a\0b", 3});
+            }),
+            "'a\\0b' is not a text without zero bytes for field 'Text'");
   set->FieldByName("Date")->SetAsDateTime(0);
   EXPECT_EQ(set->FieldByName("Date")->DisplayText(), "") << "though it isn't null";
   EXPECT_FALSE(set->FieldByName("Date")->IsNull());
@@ -433,11 +649,33 @@ TEST(MemoryDataset, TellsWhatIsWrong) {
   EXPECT_EQ(set->GetRecNo(), 0);
   EXPECT_EQ(set->CompareBookmarks(TBookmark("1234"), TBookmark("5678")), 0);
   EXPECT_FALSE(set->BookmarkValid(TBookmark("\xff\xff\xff\xff")));
+  EXPECT_EQ(MessageOf<EDatabaseError>([&] { set->GotoBookmark(TBookmark("\xff\xff\xff\xff")); }), "Record not found");
 
   const auto wide = Make<TVXRAMTable>(nullptr);
-  AddField(*wide, "Novel", vxrftString, 65'535);
+  AddField(*wide, "Novel", vxrftString, 65'530);
   closed->SetRAMTable(wide.get());
-  EXPECT_NE(MessageOf<EDatabaseError>([&] { closed->Open(); }).find("'Novel'"), std::string::npos);
+  EXPECT_EQ(MessageOf<EDatabaseError>([&] { closed->Open(); }),
+            "Field 'Novel' ends behind the 65530 bytes that the fields of a record may have");
+  wide->Get_FieldDefs()->Get_Item(0)->Set_ByteSize(65'529);
+  closed->Open();
+  closed->AppendRecord({std::string(65'528, 'x')});
+  EXPECT_EQ(closed->Fields(0)->GetAsString().size(), 65'528);
+}
+
+TEST(MemoryDataset, PostsWhileAnIndexHasLostItsField) {
+  TTestTable table({{"Name", vxrftString, 8}, {"Load", vxrftInteger}}, {"Load"});
+  AddTools(table);
+  const auto set = ClosedSet(*table);
+  set->SetIndexName("Load");
+  set->Open();
+  table->Get_FieldDefs()->Delete(1);
+  set->AppendRecord({"axe"});
+  set->First();
+  EditAndPost(*set, "Name", "bit");
+  EXPECT_EQ(Records(*set), "bit null|SAW null|drill null|nail null|axe null");
+  table->Get_Indices()->Add();  // never had one
+  EXPECT_EQ(MessageOf<EDatabaseError>([&] { set->AppendRecord({"rasp"}); }), "Index 1 of the table has no field");
+  EXPECT_EQ(table.MainList().Count(), 5);
 }
 
 TEST(MemoryDataset, SettingsOfOpenAndClosedSets) {

@@ -7,8 +7,8 @@
 //   TListenerList<TCursor> cursors;
 //   cursors.ForEach([&](TCursor& each) { each.RowInserted(row); });
 //
-// The list owns nothing. Cost: Add O(1), a step of a round O(1), IndexOf and Remove O(n), from the end backwards, so
-// that taking down last to first is O(1) each.
+// The list owns nothing. Cost: Add O(1), a step of a round O(1), IndexOf and Remove O(n). The search begins at both
+// ends, so that taking down last to first is O(1) each, and first to last the moving of the pointers behind.
 #pragma once
 
 #include <cstddef>
@@ -34,9 +34,11 @@ class TListenerList {
   T* operator[](std::size_t index) const { return items_[index]; }
   T* Last() const { return items_.back(); }
   std::size_t IndexOf(const T* item) const {
-    std::size_t at = items_.size();
-    while (at > 0 && items_[at - 1] != item) --at;
-    return at - 1;
+    for (std::size_t front = 0, back = items_.size(); front < back; ++front) {
+      if (items_[--back] == item) return back;
+      if (items_[front] == item) return front;
+    }
+    return kNone;
   }
   bool Contains(const T* item) const { return IndexOf(item) != kNone; }
 

@@ -47,22 +47,30 @@ void TDataSource::SetDataSet(TDataSet* dataSet) {
   if (dataSet == dataSet_) return;
   if (IsLinkedTo(dataSet)) DatabaseError("Circular data links are not allowed", this);
   const TMemoryKeeper<TComponent> keep(this), keepFormer(dataSet_), keepNew(dataSet);
+  const std::int32_t wish = WishedBufferCount();  // handlers may take links away, and tell nobody then
   TFirstError error;
   if (TDataSet* const former = dataSet_) {
     former->sources_.Remove(this);
     RemoveFreeNotification(former);
     dataSet_ = nullptr;
     error.Run([&] { UpdateState(); });
-    error.Run([&] { former->UpdateBufferCount(); });
+    error.Run([&] { former->WishChanged(wish, 0); });
   }
   if (dataSet != nullptr && dataSet_ == nullptr && !Is(csDestroying) && !dataSet->Is(csDestroying)) {
     dataSet_ = dataSet;
     FreeNotification(dataSet);
     dataSet->sources_.Add(this);
-    error.Run([&] { dataSet->UpdateBufferCount(); });
+    error.Run([&] { dataSet->WishChanged(0, WishedBufferCount()); });
     error.Run([&] { UpdateState(); });
   }
   error.Raise();
+}
+
+/// Of the link that wishes for most; 0 without one.
+std::int32_t TDataSource::WishedBufferCount() const {
+  std::int32_t count = 0;
+  links_.ForEach([&](const TDataLink& link) { count = std::max(count, link.bufferCount_); });
+  return count;
 }
 
 /// The data set goes: from now on it isn't touched.
@@ -100,15 +108,17 @@ bool TDataSource::IsLinkedTo(const TDataSet* dataSet) const {
 void TDataSource::AddLink(TDataLink* link) {
   links_.Add(link);
   link->dataSource_ = this;
-  if (dataSet_ != nullptr) dataSet_->UpdateBufferCount();
-  link->UpdateState();
+  TFirstError error;
+  if (dataSet_ != nullptr) error.Run([&] { dataSet_->WishChanged(0, link->bufferCount_); });
+  error.Run([&] { link->UpdateState(); });
+  error.Raise();
 }
 
 void TDataSource::RemoveLink(TDataLink* link) {
   links_.Remove(link);
   link->dataSource_ = nullptr;
   TFirstError error;
-  if (dataSet_ != nullptr) error.Run([&] { dataSet_->UpdateBufferCount(); });
+  if (dataSet_ != nullptr) error.Run([&] { dataSet_->WishChanged(link->bufferCount_, 0); });
   error.Run([&] { link->UpdateState(); });
   error.Raise();
 }
@@ -146,7 +156,7 @@ void TDataSource::DataEvent(TDataEvent event, const TDataEventInfo& info) {
   TFirstError error;
   error.Run([&] { TellLinks(event, info); });
   const bool isData = event != deCheckBrowseMode && event != deFieldListChange;
-  if (isData && state_ != dsInactive) error.Run([&] { OnDataChange(this, info.Field); });
+  if (isData && state_ != dsInactive && !info.IsGone()) error.Run([&] { OnDataChange(this, info.Field); });
   error.Raise();
 }
 
@@ -163,7 +173,7 @@ void TDataLink::TearDown() {
     source->links_.Remove(this);
     active_ = editing_ = false;
     TFirstError dropped;
-    if (source->dataSet_ != nullptr) dropped.Run([&] { source->dataSet_->UpdateBufferCount(); });
+    if (source->dataSet_ != nullptr) dropped.Run([&] { source->dataSet_->WishChanged(bufferCount_, 0); });
   }
   TPersistent::TearDown();
 }
@@ -225,11 +235,16 @@ void TDataLink::UpdateRecord() {
 // -- The window
 
 void TDataLink::SetBufferCount(std::int32_t count) {
-  if (count < 1) DatabaseError("A link can't show " + std::to_string(count) + " records");
+  if (count < 1 || count > kMostRecords) DatabaseError("A link can't show " + std::to_string(count) + " records");
   if (count == bufferCount_) return;
   const TMemoryKeeper<TDataLink> keep(this);  // records are read, and fields calculated
-  bufferCount_ = count;
-  if (TDataSet* const set = DataSet()) set->UpdateBufferCount();
+  const std::int32_t former = std::exchange(bufferCount_, count);
+  try {
+    if (TDataSet* const set = DataSet()) set->WishChanged(former, count);
+  } catch (...) {
+    if (const TDataSet* const set = DataSet(); set != nullptr && set->bufferCount_ < count) bufferCount_ = former;
+    throw;
+  }
   UpdateRange();
 }
 
@@ -277,7 +292,7 @@ std::int32_t TDataLink::MoveBy(std::int32_t distance) {
 // -- What it hears
 
 void TDataLink::DataEvent(TDataEvent event, const TDataEventInfo& info) {
-  if (!active_ || DataSet() == nullptr) return;
+  if (!active_ || DataSet() == nullptr || info.IsGone()) return;
   const TMemoryKeeper<TDataLink> keep(this);
   if (event == deDataSetChange || event == deLayoutChange) UpdateRange();
   switch (event) {

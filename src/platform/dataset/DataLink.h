@@ -74,6 +74,7 @@ class TDataSource : public TComponent {
   void UpdateState();
   void TellLinks(TDataEvent event, const TDataEventInfo& info);
   void Forget(TDataSet& dataSet);
+  std::int32_t WishedBufferCount() const;
 
   TDataSet* dataSet_ = nullptr;
   TListenerList<TDataLink> links_;
@@ -109,8 +110,9 @@ class TDataLink : public TPersistent {
   // -- The window -----------------------------------------------------------------------------------------------------
   /// How many records it shows at most; 1 at first.
   std::int32_t BufferCount() const { return bufferCount_; }
-  /// At least 1; EDatabaseError otherwise.
+  /// 1 to kMostRecords; EDatabaseError otherwise. If the set can't have as many buffers, nothing has changed.
   void SetBufferCount(std::int32_t count);
+  static constexpr std::int32_t kMostRecords = 1'000'000;
   /// How many it shows.
   std::int32_t RecordCount() const;
   /// The data set's active record, counted from the first that is shown.

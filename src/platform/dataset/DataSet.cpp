@@ -83,7 +83,7 @@ void TDataSet::TearDown() {
   Destroying();
   CloseQuietly();
   sources_.ForEach([&](TDataSource& source) { source.Forget(*this); });
-  ownFields_.clear();
+  DestroyFields();
   for (TField* const field : fields_) field->dataSet_ = nullptr;
   fields_.clear();
   TComponent::TearDown();
@@ -268,7 +268,7 @@ void TDataSet::DataEvent(TDataEvent event, TDataEventInfo info) {
 
 void TDataSet::TellSources(TDataEvent event, const TDataEventInfo& info) {
   if (sources_.Empty()) return;
-  const TMemoryKeeper<TComponent> keep(this);
+  const TMemoryKeeper<TComponent> keep(this), keepField(info.Field);
   TFirstError error;
   sources_.ForEach([&](TDataSource& source) {
     if (IsQuestion(event))
@@ -283,7 +283,7 @@ void TDataSet::FieldChanged(TField* field) {
   if (field == nullptr || !field->IsCalculated()) modified_ = true;
   const bool calculates =
       autoCalcFields_ && calcFieldsSize_ > 0 && IsEditing() && field != nullptr && field->FieldKind() == fkData;
-  const TWork work(*this);
+  const TCall work(*this);
   TFirstError error;
   if (calculates) error.Run([&] { GetCalcFields(ActiveBuffer()); });
   if (muted_ || disableCount_ > 0 || sources_.Empty() || !work.IsOpen()) return error.Raise();
@@ -306,7 +306,12 @@ void TDataSet::EnableControls() {
   const TWork work(*this);
   TFirstError error;
   if (disabledState_ != state_) error.Run([&] { DataEvent(deUpdateState); });
-  if (disabledState_ != dsInactive && work.IsOpen()) error.Run([&] { DataEvent(enableEvent_); });
+  if (disabledState_ != dsInactive && work.IsOpen()) {
+    error.Run([&] {
+      const TCall call(*this);
+      DataEvent(enableEvent_);
+    });
+  }
   error.Raise();
 }
 

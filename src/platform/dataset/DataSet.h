@@ -42,6 +42,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -118,6 +119,8 @@ struct TDataEventInfo {
   TDataEventInfo() = default;
   TDataEventInfo(TField* field) : Field(field) {}                // NOLINT: given as it is
   TDataEventInfo(std::int32_t distance) : Distance(distance) {}  // NOLINT
+  /// The field was freed meanwhile: nobody is told of it any more.
+  bool IsGone() const { return Field != nullptr && Field->IsBeingFreed(); }
   TField* Field = nullptr;
   std::int32_t Distance = 0;
 };
@@ -411,10 +414,10 @@ class TDataSet : public TComponent {
   /// Fetches the buffers anew around the record on which the cursor stands: that one, else the next, else the one
   /// before; none left clears the buffers. With rmExact that one or EDatabaseError. Links hear deDataSetChange.
   void Resync(TResyncMode mode);
+  /// EDatabaseError for a closed set, and while a record is read or a filter asked: the buffers stay as they are then.
+  void CheckCanFetch() const;
   /// Makes the cursor stand on the active record, if it doesn't.
   void UpdateCursorPos();
-  /// The cursor may stand anywhere: the next need sets it anew.
-  void CursorPosChanged() { currentRecord_ = -1; }
 
   // -- Services: fields -----------------------------------------------------------------------------------------------
   /// Gives fields their numbers from the definitions of their names, and calculated ones their offsets; or takes them
@@ -449,13 +452,13 @@ class TDataSet : public TComponent {
   void Ask(const TDataSetNotifyEvent& event, const char* name);
   /// The set's name for messages.
   [[noreturn]] void RaiseError(const std::string& message) const;
+  class TWork;  // in DataSetWork.h
+  class TCall;  // likewise; for operations that descendants add
 
  private:
   friend class TField;
   friend class TDataLink;
   friend class TDataSource;
-  class TWork;  // in DataSetWork.h
-  class TCall;
 
   // fields
   void AddField(TField& field);
@@ -471,6 +474,7 @@ class TDataSet : public TComponent {
   void MoveBuffer(std::int32_t from, std::int32_t to);
   void ActivateBuffers();
   void SetCurrentRecord(std::int32_t index);
+  bool Read(TGetMode mode, bool check);
   bool GetNextRecord();
   bool GetPriorRecord();
   std::int32_t GetNextRecords();
@@ -479,8 +483,14 @@ class TDataSet : public TComponent {
   void Refetch(TResyncMode mode);
   void StandNear();
   std::int32_t WishedBufferCount() const;
+  void WishChanged(std::int32_t former, std::int32_t now);
   void UpdateBufferCount();
   void GrowBuffers(std::int32_t count);
+  using TWindow = std::pair<const char*, std::int32_t>;
+  using TWindows = std::map<const TDataLink*, TWindow>;
+  TWindows Windows() const;
+  TWindow WindowOf(const TDataLink& link) const;
+  void TellChangedWindows(const TWindows& before, const TWork& work);
   void ShrinkBuffers(std::int32_t count);
   void ShiftLinks(std::int32_t distance);
 
@@ -514,7 +524,6 @@ class TDataSet : public TComponent {
 
   // telling
   void FieldChanged(TField* field);
-  void TellFieldChange(TField* field);
   void TellSources(TDataEvent event, const TDataEventInfo& info);
 
   TDataSetState state_ = dsInactive;

@@ -13,15 +13,16 @@ namespace vx {
 
 // -- Buffers ----------------------------------------------------------------------------------------------------------
 
+/// All of them, or as many as before.
 void TDataSet::AllocateBuffers(std::int32_t count) {
-  while (std::ssize(buffers_) <= count) {
-    buffers_.push_back(nullptr);
-    try {
-      buffers_.back() = AllocRecordBuffer();
-    } catch (...) {
-      buffers_.pop_back();
-      throw;
-    }
+  const std::size_t former = buffers_.size(), wished = static_cast<std::size_t>(count) + 1;
+  buffers_.reserve(wished);
+  orphans_.reserve(orphans_.size() + wished);  // FreeBuffers can't fail
+  try {
+    while (buffers_.size() < wished) buffers_.push_back(AllocRecordBuffer());
+  } catch (...) {
+    FreeBuffers(former);
+    throw;
   }
   bufferCount_ = count;
 }
@@ -97,11 +98,21 @@ void TDataSet::UpdateCursorPos() {
   if (recordCount_ > 0) SetCurrentRecord(activeRecord_);
 }
 
+/// Into the spare buffer. Whoever calculates fields may close or free the set: then there is no buffer any more. One
+/// that is open again has others, and what the caller knows of them isn't so.
+bool TDataSet::Read(TGetMode mode, bool check) {
+  if (buffers_.empty()) return false;
+  const std::uint32_t epoch = epoch_;
+  const TGetResult result = GetRecord(buffers_[static_cast<std::size_t>(recordCount_)], mode, check);
+  if (epoch == epoch_) return result == grOK;
+  if (GetActive()) RaiseError("The data set was opened anew while a record was read");
+  return false;
+}
+
 bool TDataSet::GetNextRecord() {
   if (recordCount_ > 0) SetCurrentRecord(recordCount_ - 1);
   currentRecord_ = -1;
-  // Whoever calculates fields may free the set: then there is no buffer any more.
-  if (GetRecord(buffers_[static_cast<std::size_t>(recordCount_)], gmNext, true) != grOK || !GetActive()) return false;
+  if (!Read(gmNext, true)) return false;
   if (recordCount_ == 0)
     ActivateBuffers();
   else if (recordCount_ < bufferCount_)
@@ -115,7 +126,7 @@ bool TDataSet::GetNextRecord() {
 bool TDataSet::GetPriorRecord() {
   if (recordCount_ > 0) SetCurrentRecord(0);
   currentRecord_ = -1;
-  if (GetRecord(buffers_[static_cast<std::size_t>(recordCount_)], gmPrior, true) != grOK || !GetActive()) return false;
+  if (!Read(gmPrior, true)) return false;
   if (recordCount_ == 0) {
     ActivateBuffers();
   } else {
@@ -151,6 +162,11 @@ std::int32_t TDataSet::WishedBufferCount() const {
   return count;
 }
 
+/// One link wishes for another number of buffers, 0 standing for one that came or went.
+void TDataSet::WishChanged(std::int32_t former, std::int32_t now) {
+  if (now > bufferCount_ || former >= std::max(bufferCount_, 3)) UpdateBufferCount();
+}
+
 void TDataSet::UpdateBufferCount() {
   if (!GetActive() || buffers_.empty()) return;
   if (state_ > dsSetKey) {  // in a handler that is asked while a record is read: the buffers stay as they are
@@ -158,20 +174,59 @@ void TDataSet::UpdateBufferCount() {
     return;
   }
   const std::int32_t count = WishedBufferCount();
-  if (count < bufferCount_) ShrinkBuffers(count);
-  if (count > bufferCount_) GrowBuffers(count);
+  if (count == bufferCount_) return;
+  const TCall work(*this);
+  const TWindows before = Windows();
+  TFirstError error;
+  error.Run([&] { count < bufferCount_ ? ShrinkBuffers(count) : GrowBuffers(count); });
+  if (work.IsOpen()) error.Run([&] { TellChangedWindows(before, work); });
+  error.Raise();
+}
+
+/// The first record that each link shows, and how many it shows.
+TDataSet::TWindows TDataSet::Windows() const {
+  TWindows windows;
+  sources_.ForEach([&](TDataSource& source) {
+    source.links_.ForEach([&](TDataLink& link) { windows.emplace(&link, WindowOf(link)); });
+  });
+  return windows;
+}
+
+TDataSet::TWindow TDataSet::WindowOf(const TDataLink& link) const {
+  const std::int32_t shown = link.RecordCount();
+  return {shown > 0 ? buffers_[static_cast<std::size_t>(link.firstRecord_)] : nullptr, shown};
+}
+
+/// Tells the links whose windows show other records than before: telling all would post what a detail edits.
+void TDataSet::TellChangedWindows(const TWindows& before, const TWork& work) {
+  TFirstError error;
+  sources_.ForEach([&](TDataSource& source) {
+    source.links_.ForEach([&](TDataLink& link) {
+      if (!work.IsOpen()) return;
+      link.UpdateRange();
+      const auto at = before.find(&link);
+      if (at != before.end() && at->second != WindowOf(link) && disableCount_ == 0)
+        error.Run([&] { link.DataEvent(deDataSetChange, {}); });
+    });
+  });
+  error.Raise();
 }
 
 void TDataSet::GrowBuffers(std::int32_t count) {
   const TWork work(*this);
   AllocateBuffers(count);
-  if ((state_ != dsBrowse && state_ != dsEdit) || recordCount_ == 0) return;  // filled when it browses again
+  // Else they are filled when it browses again.
+  if ((state_ != dsBrowse && state_ != dsEdit) || recordCount_ == 0 || refreshWaits_) return;
   const bool wasBof = bof_, wasEof = eof_;
-  GetNextRecords();
-  ShiftLinks(GetPriorRecords());
-  if (!work.IsOpen()) return;
-  bof_ = wasBof;
-  eof_ = wasEof;
+  const std::int32_t active = activeRecord_;
+  TFirstError error;
+  error.Run([&] { GetNextRecords(), GetPriorRecords(); });
+  if (work.IsOpen()) {
+    ShiftLinks(activeRecord_ - active);
+    bof_ = wasBof;
+    eof_ = wasEof;
+  }
+  error.Raise();
 }
 
 void TDataSet::ShrinkBuffers(std::int32_t count) {
@@ -199,15 +254,19 @@ void TDataSet::ShiftLinks(std::int32_t distance) {
 /// Reads the record on which the cursor stands, or one beside it, into the spare buffer.
 bool TDataSet::FetchCurrent(bool exact) {
   currentRecord_ = -1;
-  char* const spare = buffers_[static_cast<std::size_t>(recordCount_)];
-  if (GetRecord(spare, gmCurrent, false) == grOK) return GetActive();
-  if (exact) RaiseError("Record not found");
-  return (GetRecord(spare, gmNext, false) == grOK || GetRecord(spare, gmPrior, false) == grOK) && GetActive();
+  if (Read(gmCurrent, false)) return true;
+  if (exact && GetActive()) RaiseError("Record not found");
+  return Read(gmNext, false) || Read(gmPrior, false);
+}
+
+void TDataSet::CheckCanFetch() const {
+  CheckActive();
+  if (state_ > dsSetKey || buffers_.empty()) RaiseError("No record can be fetched in the state " + EnumText(state_));
 }
 
 void TDataSet::Refetch(TResyncMode mode) {
   const TWork work(*this);
-  CheckActive();
+  CheckCanFetch();
   if (!FetchCurrent(mode.Has(rmExact))) {
     ClearBuffers();
     return;
@@ -221,7 +280,7 @@ void TDataSet::Refetch(TResyncMode mode) {
 }
 
 void TDataSet::Resync(TResyncMode mode) {
-  const TWork work(*this);
+  const TCall work(*this);
   Refetch(mode);
   DataEvent(deDataSetChange);
 }
@@ -233,7 +292,7 @@ void TDataSet::StandNear() {
     char* const buffer = buffers_[static_cast<std::size_t>(index)];
     if (GetBookmarkFlag(buffer) != bfCurrent) return false;
     InternalSetToRecord(buffer);
-    return GetRecord(buffers_[static_cast<std::size_t>(recordCount_)], gmCurrent, false) == grOK && GetActive();
+    return Read(gmCurrent, false);
   };
   currentRecord_ = -1;
   if (recordCount_ == 0) return InternalFirst();
@@ -241,8 +300,7 @@ void TDataSet::StandNear() {
     if (stands(i)) return;
   for (std::int32_t i = activeRecord_ - 1; i >= 0 && i < recordCount_; --i) {
     if (!stands(i)) continue;
-    GetRecord(buffers_[static_cast<std::size_t>(recordCount_)], gmNext,
-              false);  // what came behind the one that is gone
+    Read(gmNext, false);  // what came behind the one that is gone
     return;
   }
 }
@@ -347,6 +405,7 @@ void TDataSet::GotoBookmark(const TBookmark& bookmark) {
   const std::string bytes = bookmark.Bytes();  // a handler may change the caller's
   CheckBrowseMode();
   if (std::ssize(bytes) != bookmarkSize_) RaiseError("The bookmark isn't one of this data set");
+  if (!BookmarkValid(TBookmark(bytes))) RaiseError("Record not found");
   DoBeforeScroll();
   currentRecord_ = -1;
   InternalGotoBookmark(bytes.data());

@@ -29,6 +29,7 @@ void TDataSet::CheckBrowseMode() {
 
 void TDataSet::UpdateRecord() {
   CheckEditing();
+  const TCall work(*this);
   DataEvent(deUpdateRecord);
 }
 
@@ -297,7 +298,7 @@ void TDataSet::SetFields(const std::vector<Variant>& values) {
 }
 
 void TDataSet::ClearFields() {
-  const TWork work(*this);
+  const TCall work(*this);
   CheckEditing();
   {
     const TSwitched muted(muted_);

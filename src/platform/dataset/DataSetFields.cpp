@@ -21,6 +21,17 @@ TAtEnd(F) -> TAtEnd<F>;
 
 std::string Quoted(std::string_view name) { return "'" + std::string(name) + "'"; }
 
+/// Of "Id; Number".
+std::vector<std::string> NamesIn(const std::string& names) {
+  std::vector<std::string> each;
+  std::size_t from = 0;
+  for (std::size_t to = 0; to != std::string::npos; from = to + 1) {
+    to = names.find(';', from);
+    each.push_back(Trim(names.substr(from, to == std::string::npos ? to : to - from)));
+  }
+  return each;
+}
+
 }  // namespace
 
 // -- Finding ----------------------------------------------------------------------------------------------------------
@@ -48,11 +59,7 @@ TField* TDataSet::FieldByName(std::string_view name) const {
 
 std::vector<TField*> TDataSet::FieldsOf(const std::string& names) const {
   std::vector<TField*> fields;
-  std::size_t from = 0;
-  for (std::size_t to = 0; to != std::string::npos; from = to + 1) {
-    to = names.find(';', from);
-    fields.push_back(FieldByName(Trim(names.substr(from, to == std::string::npos ? to : to - from))));
-  }
+  for (const std::string& name : NamesIn(names)) fields.push_back(FieldByName(name));
   return fields;
 }
 
@@ -65,11 +72,14 @@ Variant TDataSet::GetFieldValue(const std::string& names) const {
 
 void TDataSet::SetFieldValue(const std::string& names, const Variant& value) {
   if (names.find(';') == std::string::npos) return FieldByName(names)->SetValue(value);
-  const std::vector<TField*> fields = FieldsOf(names);
+  const TWork work(*this);
+  FieldsOf(names);  // all are there, before the first is written
+  const std::vector<std::string> each = NamesIn(names);
   const std::vector<Variant> values = value.Elements();
-  if (values.size() != fields.size())
+  if (values.size() != each.size())
     RaiseError(std::to_string(values.size()) + " values for the fields " + Quoted(names));
-  for (std::size_t i = 0; i < fields.size(); ++i) fields[i]->SetValue(values[i]);
+  // Looked for again: a field's handlers may do away with the next one.
+  for (std::size_t i = 0; i < each.size(); ++i) FieldByName(each[i])->SetValue(values[i]);
 }
 
 std::vector<std::string> TDataSet::GetFieldNames() {
@@ -89,6 +99,14 @@ void TDataSet::RemoveField(TField& field) noexcept {
   const auto at = std::find(fields_.rbegin(), fields_.rend(), &field);
   if (at == fields_.rend()) return;
   fields_.erase(std::next(at).base());
+  if (field.IsBeingFreed()) {  // by somebody else, if it is still among our own
+    const auto own =
+        std::find_if(ownFields_.rbegin(), ownFields_.rend(), [&](const auto& each) { return each.get() == &field; });
+    if (own != ownFields_.rend()) {
+      static_cast<void>(own->release());
+      ownFields_.erase(std::next(own).base());
+    }
+  }
   if (!GetActive()) return;  // nobody shows it
   TFirstError dropped;
   dropped.Run([&] { DataEvent(deFieldListChange); });
@@ -153,7 +171,7 @@ void TDataSet::GetCalcFields(char* buffer) {
   const TDataSetState state = SetTempState(dsCalcFields);
   const TAtEnd restore{[&] {
     calcBuffer_ = calcBuffer;
-    RestoreState(state);
+    if (work.IsOpen()) RestoreState(state);
   }};
   ClearCalcFields(buffer);
   for (std::size_t i = 0; i < fields_.size(); ++i)

@@ -1,4 +1,4 @@
-// DataSetWork.h: what keeps a data set whole while handlers do as they like. Not for users.
+// DataSetWork.h: what keeps a data set whole while handlers do as they like. For data sets, not for their users.
 #pragma once
 
 #include <exception>

@@ -7,6 +7,7 @@
 #include "platform/component/MemoryKeeper.h"
 #include "platform/component/Published.h"
 #include "platform/dataset/DataSet.h"
+#include "platform/dataset/DataSetWork.h"
 #include "platform/runtime/Text.h"
 
 namespace vx {
@@ -136,8 +137,9 @@ std::int32_t TField::DataSize() const {
 // -- Look -------------------------------------------------------------------------------------------------------------
 
 void TField::PropertyChanged(bool layoutAffected) {
-  if (dataSet_ != nullptr && dataSet_->GetActive())
-    dataSet_->DataEvent(layoutAffected ? deLayoutChange : deDataSetChange);
+  if (dataSet_ == nullptr || !dataSet_->GetActive()) return;
+  const TDataSet::TCall call(*dataSet_);
+  dataSet_->DataEvent(layoutAffected ? deLayoutChange : deDataSetChange);
 }
 
 void TField::SetDisplayLabel(const std::string& label) {
@@ -306,6 +308,7 @@ std::string TField::TextBy(bool displayText) const {
 }
 
 void TField::SetText(const std::string& text) {
+  if (text.find('\0') != std::string::npos) RaiseBadText(text, "a text without zero bytes");
   if (!OnSetText || settingText_) return SetAsString(text);
   const THandlerScope scope(*this, settingText_);
   OnSetText(this, text);
@@ -321,6 +324,7 @@ void TField::AssignValueOf(const TField& other) { SetAsVariant(other.GetAsVarian
 
 bool TField::GetData(void* buffer) const {
   if (validating_) {
+    CheckNewSize();
     if (newValue_ != nullptr && buffer != nullptr) std::memcpy(buffer, newValue_, static_cast<std::size_t>(DataSize()));
     return newValue_ != nullptr;
   }
@@ -340,7 +344,15 @@ void TField::Validate(const void* buffer) {
   if (!OnValidate) return;
   const THandlerScope scope(*this, validating_);
   newValue_ = buffer;
+  newSize_ = DataSize();
   OnValidate(this);
+  CheckNewSize();
+}
+
+/// A handler that closes the set can make the field longer, but not the value that is being written.
+void TField::CheckNewSize() const {
+  if (DataSize() != newSize_)
+    DatabaseError("Field '" + DisplayName() + "' has got another size while it was validated");
 }
 
 void TField::SetData(const void* buffer) {
@@ -363,7 +375,9 @@ void TField::RaiseAccess(const char* wanted) const {
 }
 
 void TField::RaiseBadText(std::string_view text, const char* wanted) const {
-  DatabaseError("'" + std::string(text) + "' is not " + wanted + " for field '" + DisplayName() + "'");
+  std::string shown;  // a zero byte would end the message
+  for (const char letter : text) letter == '\0' ? shown += "\\0" : shown += letter;
+  DatabaseError("'" + shown + "' is not " + wanted + " for field '" + DisplayName() + "'");
 }
 
 void TField::RaiseRange(const std::string& value, const std::string& least, const std::string& greatest) const {

@@ -291,6 +291,7 @@ class TField : public TComponent {
   std::string DisplayText() const { return TextBy(true); }
   /// For editing, by OnGetText and OnSetText.
   std::string Text() const { return TextBy(false); }
+  /// EDatabaseError for a text with a zero byte.
   void SetText(const std::string& text);
   /// Whether a user may write: neither read-only nor calculated, and the data set can be modified.
   bool CanModify() const;
@@ -316,7 +317,7 @@ class TField : public TComponent {
   TFieldNotifyEvent OnValidate;
 
   /// The greatest Size of a string.
-  static constexpr std::int32_t kMaxStringSize = 65'000;
+  static constexpr std::int32_t kMaxStringSize = 65'535;
 
  protected:
   TField(TComponent* owner, TFieldType type);
@@ -350,6 +351,7 @@ class TField : public TComponent {
   void CheckWritable() const;
   bool IsQuiet() const;
   void Validate(const void* buffer);
+  void CheckNewSize() const;
   void SetLookupName(std::string& place, const std::string& names);
   void CheckLookup() const;
   Variant LookupValue() const;
@@ -371,6 +373,7 @@ class TField : public TComponent {
   std::int32_t offset_ = 0;
   std::int32_t displayWidth_ = 0;
   const void* newValue_ = nullptr;
+  std::int32_t newSize_ = 0;  // DataSize() when that was made
   std::string keyFields_;
   TComponentLink lookupDataSet_;
   std::string lookupKeyFields_;

@@ -114,7 +114,8 @@ std::string TStringField::GetAsString() const {
 }
 
 void TStringField::SetAsString(const std::string& value) {
-  const std::string_view text = CutAtCodePoint(std::string_view(value.c_str()), static_cast<std::size_t>(Size()));
+  if (value.find('\0') != std::string::npos) RaiseBadText(value, "a text without zero bytes");
+  const std::string_view text = CutAtCodePoint(value, static_cast<std::size_t>(Size()));
   TStringRoom room(DataSize());
   room.Put(text);
   SetData(room.Data());

@@ -27,8 +27,9 @@ namespace vx {
 
 // -- Texts ------------------------------------------------------------------------------------------------------------
 
-/// A text longer than Size bytes is cut at a code point; a zero byte ends it. Blanks count, and the empty text isn't
-/// null. As Boolean it reads "True", "Yes", "T", "Y", "1" and "False", "No", "F", "N", "0", letter case ignored.
+/// A text longer than Size bytes is cut at a code point; one with a zero byte is refused. Blanks count, and the empty
+/// text isn't null. As Boolean it reads "True", "Yes", "T", "Y", "1" and "False", "No", "F", "N", "0", letter case
+/// ignored.
 class TStringField : public TField {
  public:
   static constexpr std::int32_t kFreshSize = 20;

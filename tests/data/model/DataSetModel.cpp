@@ -1,6 +1,8 @@
 #include "DataSetModel.h"
 
 #include <algorithm>
+#include <exception>
+#include <utility>
 
 #include "NaiveValues.h"
 
@@ -25,10 +27,28 @@ bool TSetCursor::Accepts(const TRow& row, std::int32_t) const {
   return ReadInteger(table.fields[field]->type, table.Read(row, field).bytes) % 3 != 1;
 }
 
-TSet::TSet(TTable& rows, TSetDesc setDesc, std::vector<std::string>& allEvents)
+TSet::TSet(TTable& rows, TSetDesc setDesc, TEvents& allEvents)
     : table(rows), desc(std::move(setDesc)), events(allEvents) {}
 
+void TSet::Tell(const char* event) {
+  if (events.Note(desc.name + " " + event)) throw ENaive(events.raised, "");
+}
+
+/// Events that are all told, whatever one raises.
+void TSet::TellAll(std::initializer_list<const char*> all) {
+  std::exception_ptr raised;
+  for (const char* const event : all) {
+    try {
+      Tell(event);
+    } catch (const ENaive&) {
+      raised = std::current_exception();
+    }
+  }
+  if (raised != nullptr) std::rethrow_exception(raised);
+}
+
 void TSet::Open() {
+  Tell("BeforeOpen");
   auto made = std::make_unique<TSetCursor>(table, *this);
   cursor = made.get();
   table.cursors.push_back(std::move(made));
@@ -39,21 +59,19 @@ void TSet::Open() {
   if (desc.filters) cursor->SetOnFilterRecord({.code = 1});
   window.clear();
   active = 0;
-  while (window.size() < kWindow && FetchNext()) continue;
+  FillWindow();
   bof = true;
   eof = window.empty();
-  Tell("AfterOpen");
-  if (!window.empty()) Tell("AfterScroll");
+  if (window.empty()) return Tell("AfterOpen");
+  TellAll({"AfterOpen", "AfterScroll"});
 }
 
-void TSet::Reopen() {
+void TSet::Close() {
   Tell("BeforeClose");
-  table.Close(cursor);
+  table.Close(std::exchange(cursor, nullptr));
   state = TState::Browse;
   isStale = false;
   Tell("AfterClose");
-  Tell("BeforeOpen");
-  Open();
 }
 
 // -- The window -------------------------------------------------------------------------------------------------------
@@ -79,7 +97,7 @@ bool TSet::FetchNext() {
   TRecord record;
   if (!Fetch('N', record)) return false;
   window.push_back(record);
-  if (window.size() <= kWindow) return true;
+  if (window.size() <= room) return true;
   window.pop_front();
   if (active > 0) --active;
   return true;
@@ -91,9 +109,25 @@ bool TSet::FetchPrior() {
   if (!Fetch('P', record)) return false;
   if (!window.empty()) ++active;
   window.push_front(record);
-  if (window.size() > kWindow) window.pop_back();
+  if (window.size() > room) window.pop_back();
   active = std::min(active, window.size() - 1);
   return true;
+}
+
+/// As many as there is room for: what comes behind, then what comes before.
+void TSet::FillWindow() {
+  while (window.size() < room && FetchNext()) continue;
+  while (window.size() < room && FetchPrior()) continue;
+}
+
+void TSet::SetRoom(std::size_t count) {
+  const bool grows = count > room;
+  room = count;
+  if (grows && state != TState::Insert && !isStale && !window.empty()) FillWindow();  // else when it browses again
+  // The active record stays, and so does the one before which a new one is being made.
+  const std::size_t needed = state == TState::Insert && active + 1 < window.size() ? 2 : 1;
+  for (; active + needed > room; --active) window.pop_front();
+  while (window.size() > room) window.pop_back();
 }
 
 /// Reads the window anew around the record on which the cursor stands.
@@ -107,8 +141,7 @@ void TSet::Resync() {
   bof = eof = false;
   window.push_back(record);
   for (; before > 0 && FetchPrior(); --before) continue;
-  while (window.size() < kWindow && FetchNext()) continue;
-  while (window.size() < kWindow && FetchPrior()) continue;
+  FillWindow();
 }
 
 bool TSet::IsThere(std::int32_t id) const {
@@ -124,7 +157,7 @@ void TSet::First() {
   window.clear();
   active = 0;
   cursor->GoToFirstRec();
-  while (window.size() < kWindow && FetchNext()) continue;
+  FillWindow();
   bof = true;
   eof = window.empty();
   Tell("AfterScroll");
@@ -136,7 +169,7 @@ void TSet::Last() {
   window.clear();
   active = 0;
   cursor->GoToLastRec();
-  while (window.size() < kWindow && FetchPrior()) continue;
+  while (window.size() < room && FetchPrior()) continue;
   active = window.empty() ? 0 : window.size() - 1;
   bof = window.empty();
   eof = true;
@@ -163,7 +196,7 @@ void TSet::SetRecNo(std::int32_t number) {
   CheckBrowseMode();
   Tell("BeforeScroll");
   cursor->Set_RecIndex(number - 1);
-  active = 0;  // the middle of two
+  active = (room - 1) / 2;
   Resync();
   Tell("AfterScroll");
 }
@@ -174,7 +207,7 @@ void TSet::GotoBookmark(std::int32_t id) {
   Tell("BeforeScroll");
   if (!IsThere(id)) throw ENaive("EDatabaseError", "");
   Seek(id);
-  active = 0;
+  active = (room - 1) / 2;
   Resync();
   Tell("AfterScroll");
 }
@@ -195,32 +228,50 @@ bool TSet::Locate(std::size_t field, std::string text, bool ignoreCase, bool par
 
 // -- Changing ---------------------------------------------------------------------------------------------------------
 
-/// The new record and its neighbour are the window: the record before which it stands, or the last one.
 void TSet::InsertNew(bool append) {
   CheckBrowseMode();
   Tell("BeforeInsert");
   Tell("BeforeScroll");
+  PlaceNew(append);
+  state = TState::Insert;
+  modified = false;
+  try {
+    Tell("OnNewRecord");
+  } catch (const ENaive&) {
+    DropNew();
+    throw;
+  }
+  TellAll({"AfterInsert", "AfterScroll"});
+}
+
+/// An empty record comes into the window, before the active one or behind the last. If there is no room for it, the
+/// last record leaves, or if that is the new one's neighbour, the first.
+void TSet::PlaceNew(bool append) {
   TRecord record;
   for (const std::size_t field : desc.fields)
     record.values.push_back({false, TBytes(static_cast<std::size_t>(table.fields[field]->size), 0)});
   if (append) {
     window.clear();
     cursor->GoToLastRec();
-    FetchPrior();
-    window.push_back(record);
-    active = window.size() - 1;
-  } else {
-    if (!window.empty()) window = {window[active]};
-    window.push_front(record);
-    active = 0;
+    while (window.size() < room && FetchPrior()) continue;
+    active = window.size();
   }
+  if (window.size() == room && active + 1 < room) window.pop_back();
+  if (window.size() == room) {
+    window.pop_front();
+    --active;
+  }
+  window.insert(window.begin() + static_cast<std::ptrdiff_t>(active), record);
   bof = false;
   eof = append;
-  state = TState::Insert;
-  modified = false;
-  Tell("OnNewRecord");
-  Tell("AfterInsert");
-  Tell("AfterScroll");
+}
+
+/// Without the record being made; the one beside it becomes the active one.
+void TSet::DropNew() {
+  window.erase(window.begin() + static_cast<std::ptrdiff_t>(active));
+  active = window.empty() ? 0 : std::min(active, window.size() - 1);
+  StandNear();
+  Browse();
 }
 
 void TSet::Edit() {
@@ -253,8 +304,18 @@ TStruct TSet::Filled() const {
   return values;
 }
 
+/// The controls are asked for what they hold.
+void TSet::UpdateRecord() {
+  for (std::int32_t i = 0; i < controls; ++i) Tell("UpdateData");
+}
+
 void TSet::Post() {
   if (state == TState::Browse) throw ENaive("EDatabaseError", "");
+  UpdateRecord();
+  PostRecord();
+}
+
+void TSet::PostRecord() {
   Tell("BeforePost");
   if (state == TState::Edit) {
     if (!IsThere(Id())) throw ENaive("EDatabaseError", "");
@@ -273,13 +334,12 @@ void TSet::Cancel() {
   Tell("BeforeCancel");
   if (inserted) Tell("BeforeScroll");
   if (inserted) {
-    window.erase(window.begin() + static_cast<std::ptrdiff_t>(active));
-    active = 0;
+    DropNew();
+    return TellAll({"AfterCancel", "AfterScroll"});
   }
   StandNear();
   Browse();
   Tell("AfterCancel");
-  if (inserted) Tell("AfterScroll");
 }
 
 /// After a change: reads the window anew around the record on which the cursor stands.
@@ -301,8 +361,7 @@ void TSet::Delete() {
   for (const auto& each : table.cursors)
     if (each.get() != cursor) static_cast<TSetCursor&>(*each).set.RefreshIfStale();
   Browse();
-  Tell("AfterDelete");
-  Tell("AfterScroll");
+  TellAll({"AfterDelete", "AfterScroll"});
 }
 
 void TSet::Refresh() {
@@ -334,7 +393,9 @@ void TSet::StandNear() {
 
 void TSet::CheckBrowseMode() {
   RefreshIfStale();
-  if (state != TState::Browse) modified ? Post() : Cancel();
+  if (state == TState::Browse) return;
+  UpdateRecord();
+  modified ? PostRecord() : Cancel();
 }
 
 void TSet::MasterChanged(const TValue& value) {
@@ -359,17 +420,42 @@ std::string TSet::ValueText(std::size_t field) const {
   return "";
 }
 
+std::string TSet::CalcText(std::int32_t id, const std::vector<std::string>& values) {
+  if (values[0] == "4") return "null";
+  std::string text = std::to_string(id);
+  for (const std::string& value : values) text += "/" + value;
+  return text;
+}
+
+/// Null for the record of an empty set.
+std::string TSet::RowText(const TRecord* record) const {
+  const std::int32_t id = record == nullptr ? -1 : record->id;
+  std::string text = "#" + std::to_string(id);
+  std::vector<std::string> values;
+  for (std::size_t i = 0; i < desc.fields.size(); ++i) {
+    const auto& field = *table.fields[desc.fields[i]];
+    const bool isNull = record == nullptr || !record->values[i].assigned;
+    values.push_back(isNull ? "null" : FieldText(field.type, record->values[i]));
+    text += " " + field.name + "=" + values.back();
+  }
+  if (desc.calculates) text += " Calc=" + (record == nullptr ? "null" : CalcText(id, values));
+  return text;
+}
+
+std::vector<std::string> TSet::Rows(std::size_t before, std::size_t count) const {
+  std::vector<std::string> rows;
+  for (std::size_t i = active - before; rows.size() < count && i < window.size(); ++i)
+    rows.push_back(RowText(&window[i]));
+  return rows;
+}
+
 std::string TSet::Text() {
   static const char* const kStates[] = {"browse", "edit", "insert"};
-  std::string text = std::string(kStates[static_cast<std::size_t>(state)]) + (bof ? " bof" : "") + (eof ? " eof" : "");
+  if (cursor == nullptr) return "closed";
   const std::int32_t id = Id();
-  text += " #" + std::to_string(id) + " record " + std::to_string(cursor->Get_RecIndexById(id) + 1) + " of " +
-          std::to_string(cursor->RecordCount());
-  for (std::size_t i = 0; i < desc.fields.size(); ++i) {
-    const bool isNull = window.empty() || !window[active].values[i].assigned;
-    text += " " + table.fields[desc.fields[i]]->name + "=" + (isNull ? "null" : ValueText(desc.fields[i]));
-  }
-  return text;
+  return std::string(kStates[static_cast<std::size_t>(state)]) + (bof ? " bof" : "") + (eof ? " eof" : "") + " at " +
+         std::to_string(id) + ", record " + std::to_string(cursor->Get_RecIndexById(id) + 1) + " of " +
+         std::to_string(cursor->RecordCount()) + " " + RowText(window.empty() ? nullptr : &window[active]);
 }
 
 }  // namespace vx::naive

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -41,6 +42,7 @@ class TArraySet : public TDataSet {
   std::int32_t Buffers() const { return BufferCount(); }
   std::int32_t Reads = 0;
   bool ReadOnly = false;
+  std::int32_t Room = 1000;  // for record buffers
 
   bool GetFieldData(const TField& field, void* target) override {
     const char* const buffer = State() == dsCalcFields ? CalcBuffer() : IsEmpty() ? nullptr : ActiveBuffer();
@@ -77,8 +79,13 @@ class TArraySet : public TDataSet {
   static THead& Head(char* buffer) { return *reinterpret_cast<THead*>(buffer); }
   static const THead& Head(const char* buffer) { return *reinterpret_cast<const THead*>(buffer); }
 
-  char* AllocRecordBuffer() override { return new char[sizeof(THead) + static_cast<std::size_t>(CalcFieldsSize())](); }
+  char* AllocRecordBuffer() override {
+    if (Room == 0) throw std::bad_alloc();
+    --Room;
+    return new char[sizeof(THead) + static_cast<std::size_t>(CalcFieldsSize())]();
+  }
   void FreeRecordBuffer(char*& buffer) override {
+    ++Room;
     delete[] buffer;
     buffer = nullptr;
   }

@@ -204,6 +204,82 @@ TEST(DataSetTest, HandlersMayDoWhatTheyLike) {
   }
 }
 
+TEST(DataSetTest, HandlersThatCallEachOtherWithoutEndAreStopped) {
+  const std::pair<const char*, std::function<void(TStand&, std::int32_t)>> deeds[] = {
+      {"controls", [](TStand& s, std::int32_t) { s.Set->DisableControls(), s.Set->EnableControls(); }},
+      {"width", [](TStand& s, std::int32_t count) { s.Number()->SetDisplayWidth(count); }},
+      {"alignment",
+       [](TStand& s, std::int32_t count) { s.Number()->SetAlignment(count % 2 == 0 ? taCenter : taLeftJustify); }},
+      {"window", [](TStand& s, std::int32_t count) { s.Link->SetBufferCount(3 + count % 2); }},
+      {"field", [](TStand& s, std::int32_t count) { s.Set->Edit(), s.Number()->SetAsInteger(count); }},
+      {"fields", [](TStand& s, std::int32_t) { s.Set->Edit(), s.Set->ClearFields(); }},
+      {"record", [](TStand& s, std::int32_t) { s.Set->Edit(), s.Set->UpdateRecord(); }},
+  };
+  for (const auto& [name, deed] : deeds) {
+    SCOPED_TRACE(name);
+    TStand stand;
+    stand.Set->Last();
+    stand.Link->Do = [&, count = 0]() mutable { deed(stand, ++count); };
+    EXPECT_EQ(MessageOf<EDatabaseError>([&] { deed(stand, 0), stand.Set->Refresh(); }),
+              "orders: Handlers and operations of the data set call each other without end");
+    stand.Link->Do = nullptr;
+    stand.Set->Cancel();
+    EXPECT_FALSE(stand.Set->ControlsDisabled());
+    stand.Link->SetBufferCount(5);
+    EXPECT_EQ(stand.Link->Window(), "1 2 3 4 [5] ");
+  }
+}
+
+TEST(DataSetTest, FieldsMayGoWhileTheyAreUsed) {
+  TStand stand;
+  stand.Number()->Free();  // a default one
+  stand.Set->Close();
+  stand.Set->Open();
+  EXPECT_EQ(stand.Set->FieldCount(), 2);
+
+  stand.Set->Edit();
+  stand.Set->Fields(0)->OnChange = [&](TField*) { stand.Set->Close(); };
+  EXPECT_EQ(MessageOf<EDatabaseError>([&] {
+              stand.Set->SetFieldValue("Id;Number", Variant::Array({7, 8}));
+            }),
+            "orders: Field 'Number' not found");
+
+  TComponentRef<TField> twice(AddCalc(*stand.Set));
+  const auto other = Make<TDataSource>(nullptr);
+  other->SetDataSet(stand.Set.get());
+  std::string heard;
+  stand.Source->OnDataChange = [&](TObject*, TField* field) {
+    if (field != nullptr && field == twice.Get()) field->Free();
+  };
+  other->OnDataChange = [&](TObject*, TField* field) {
+    heard += (field == nullptr ? "all" : field->FieldName()) + " ";
+  };
+  stand.Set->OnCalcFields = nullptr;
+  stand.Set->Edit();
+  stand.Number()->SetAsInteger(5);
+  EXPECT_EQ(heard, "Number ");
+  EXPECT_EQ(twice.Get(), nullptr);
+}
+
+TEST(DataSetTest, AWishThatCanNotBeMetChangesNothing) {
+  TStand stand(9);
+  stand.Set->Room = 3;
+  EXPECT_THROW(stand.Link->SetBufferCount(8), std::bad_alloc);
+  EXPECT_EQ(stand.Link->BufferCount(), 3);
+  EXPECT_EQ(stand.Set->Room, 3) << "all given back";
+  EXPECT_NE(MessageOf<EDatabaseError>([&] { stand.Link->SetBufferCount(TDataLink::kMostRecords + 1); }), "");
+  EXPECT_EQ(stand.Link->Window(), "[1] 2 3 ");
+  // Only the greatest wish counts, whoever comes and goes.
+  const auto greater = Make<TLogLink>();
+  greater->SetBufferCount(5);
+  greater->SetDataSource(stand.Source.get());
+  EXPECT_EQ(stand.Set->Buffers(), 5);
+  stand.Link->SetDataSource(nullptr);
+  EXPECT_EQ(stand.Set->Buffers(), 5);
+  greater->SetDataSource(nullptr);
+  EXPECT_EQ(stand.Set->Buffers(), 2);
+}
+
 TEST(DataSetTest, EachMistakeIsNamed) {
   const struct {
     std::function<void(TStand&)> Run;
