@@ -79,6 +79,13 @@ bool AreSameCells(const TCellValue& a, const TCellValue& b) {
   return text != nullptr ? *text == std::get<std::string>(b) : CompareCells(a, b) == 0;
 }
 
+bool AreSameValues(const TCellValue& a, const TCellValue& b) {
+  if (a.index() != b.index()) return false;
+  const auto* moment = std::get_if<TMoment>(&a);
+  if (moment != nullptr && moment->hasTime != std::get<TMoment>(b).hasTime) return false;
+  return IsNull(a) || AreSameCells(a, b);
+}
+
 TCellValue CellOfText(std::string_view text, TColumnType type, TDateOrder order, char decimal) {
   switch (type) {
     case TColumnType::Boolean:

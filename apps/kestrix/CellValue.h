@@ -35,6 +35,8 @@ std::string NumberText(double value, int decimals);
 std::int32_t CompareCells(const TCellValue& a, const TCellValue& b);
 /// Two values of one type are the same: text exactly, as a filter compares it.
 bool AreSameCells(const TCellValue& a, const TCellValue& b);
+/// Both are null, or values of one type and the same; a day is another value than the midnight with which it begins.
+bool AreSameValues(const TCellValue& a, const TCellValue& b);
 
 /// What a user wrote, as a value of that type; null if it isn't one. Decimal point and ISO date are always read.
 TCellValue CellOfText(std::string_view text, TColumnType type, TDateOrder order, char decimal);

@@ -185,6 +185,8 @@ double WithTime(double day, double seconds) {
 
 }  // namespace
 
+std::string_view MonthName(std::int32_t month) { return kMonths.at(static_cast<std::size_t>(month) - 1); }
+
 std::optional<double> DayNumber(std::int32_t year, std::int32_t month, std::int32_t day) {
   TDateTime date = 0;
   return TryEncodeDate(year, month, day, date) ? std::optional(date) : std::nullopt;

@@ -56,6 +56,10 @@ const char* NameOfValue(TColumnType type) {
   return "text";
 }
 
+bool IsNullText(std::string_view text, TColumnType type, const TNullWords& nulls) {
+  return type == TColumnType::Text ? Trimmed(text).empty() : nulls.IsNull(text);
+}
+
 std::string Mebibytes(std::uint64_t bytes) { return std::to_string((bytes + (1u << 20) - 1) >> 20) + " MiB"; }
 
 [[noreturn]] void FailForMemory(TCsvSource& source, const TColumnPlan& plan, const TLoadLimits& limits) {
@@ -158,13 +162,18 @@ void AssignCell(TVXFieldStruct& field, const TCellValue& value) {
   if (const auto* text = std::get_if<std::string>(&value)) field.AssignText(*text);
 }
 
+TCellValue ValueOfText(std::string_view text, const TColumn& column, char decimal, const TNullWords& nulls) {
+  if (IsNullText(text, column.type, nulls)) return {};
+  return CellOfText(text, column.type, column.dateOrder, decimal);
+}
+
 TCellValue ReadCell(const TCsvSource& source, const TColumnPlan& plan, const TCsvRecord& record, std::size_t column) {
   const TColumn& wanted = plan.columns[column];
   const std::string_view cell = record.cells[column];
-  const bool isText = wanted.type == TColumnType::Text;
-  if (isText ? Trimmed(cell).empty() : source.Options().nulls.IsNull(cell)) return {};
-  TCellValue value = CellOfText(cell, wanted.type, wanted.dateOrder, plan.decimal);
-  if (IsNull(value)) source.Fail(record, column, Quoted(Trimmed(cell)) + " is not " + NameOfValue(wanted.type));
+  const TNullWords& nulls = source.Options().nulls;
+  TCellValue value = ValueOfText(cell, wanted, plan.decimal, nulls);
+  if (IsNull(value) && !IsNullText(cell, wanted.type, nulls))
+    source.Fail(record, column, Quoted(Trimmed(cell)) + " is not " + NameOfValue(wanted.type));
   return value;
 }
 

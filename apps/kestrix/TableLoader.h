@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 #include "CellValue.h"
@@ -36,6 +37,8 @@ TOwned<TVXRAMTable> MakeTable(const TColumnPlan& plan);
 TOwned<TVXRAMTable> LoadTable(TCsvSource& source, const TColumnPlan& plan, const TLoadLimits& limits,
                               std::optional<std::size_t> index = std::nullopt);
 
+/// The text of a cell as a value of the column's type; null for a null word, for blank text, and for what isn't one.
+TCellValue ValueOfText(std::string_view text, const TColumn& column, char decimal, const TNullWords& nulls);
 /// The cell as a value of the column's type; null for a null word, or for blank text. Raises EUserError by way of
 /// `source`.
 TCellValue ReadCell(const TCsvSource& source, const TColumnPlan& plan, const TCsvRecord& record, std::size_t column);

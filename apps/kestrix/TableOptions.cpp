@@ -21,7 +21,8 @@ the value, letter case included, and shows that record and those behind it. It i
 joins nothing. As csv and tsv each pair is a line; as json each record of the master has a list "Records".
 
 --set changes records and writes the file again, with all its records, to standard output, to -o FILE, or with --in-place
-to where it was. Cells whose value stays are written as they stood in the file. An empty value makes a cell empty.
+to where it was. Cells whose value stays are written as they stood in the file, a new value as its column writes values.
+It is an error if other cells would be read otherwise afterwards. An empty value makes a cell empty.
 
 Examples:
   kestrix table orders.csv --where "Profit>=100" --where "Shipment Mode!=Same Day" --sort "Profit.D"

@@ -56,6 +56,9 @@ std::optional<TDateCell> ReadDate(std::string_view text, TDateOrder order);
 /// The day of that year and month as days since 1899-12-30, if the calendar has it (years 1 to 9999).
 std::optional<double> DayNumber(std::int32_t year, std::int32_t month, std::int32_t day);
 
+/// "january" to "december", by a number from 1 to 12.
+std::string_view MonthName(std::int32_t month);
+
 /// The words that stand for "no value" in columns that aren't text. Blank cells always do.
 class TNullWords {
  public:

@@ -105,7 +105,7 @@ TEST(TableSet, ChangesCellsAndNothingElse) {
   const std::tuple<const char*, std::string, int> kCases[] = {
       {"--set Qty=1.5 --where No=1", file, 0},
       {"--set Qty=2.25 --where No=1", changed(" 1,50 ", "2,25"), 1},
-      {"--set Due=2016-02-29 --where Part=e", changed("2;-", "2;2016-02-29"), 1},
+      {"--set Due=2016-02-29 --where Part=e", changed("2;-", "2;29.2.2016"), 1},
       {"--set Due= --where No=1", changed("2.1.2015", ""), 1},
       {"--set No=7 --where No=2 --set part=x;\"y --where Qty=", changed("2;\"c\nd\"", "7;\"x;\"\"y\""), 1},
       {"--set Part=longer_than_all_others --where Qty>1,6", changed("e;2", "longer than all others;2"), 1},
@@ -120,9 +120,83 @@ TEST(TableSet, ChangesCellsAndNothingElse) {
   }
 }
 
+struct TFormCase {
+  const char* cells;         // of the column "v" of a file; "|" ends a line
+  const char* set;           // into the first of them
+  const char* expected;      // cells afterwards, or part of the error
+  const char* options = "";  // of this reading and of all others
+};
+
+std::string FileOfCells(std::string_view cells) {
+  std::string text = "n;v\n";
+  char name = 'a';
+  for (const std::string& cell : test::Cut(cells, '|')) text += std::string(1, name++) + ";" + cell + "\n";
+  return text;
+}
+
+/// Each file is written in place and read back, and shows all other values as it did.
+TEST(TableSet, WritesValuesAsTheirColumnDoes) {
+  constexpr TFormCase kCases[] = {
+      {"02/13/2024|02/05/2024|11/30/2024", "v=2024-02-14", "02/14/2024|02/05/2024|11/30/2024"},
+      {"2/13/2024|12/15/2024|3/3/24", "v=03/07/2024", "03/07/2024|12/15/2024|3/3/24"},
+      {"2/13/2024|12/15/2024|3/3/24", "v=2024-03-07", "3/7/2024|12/15/2024|3/3/24"},
+      {"13.2.2024|5.2.2024", "v=2024-03-04", "4.3.2024|5.2.2024"},
+      {"13.02.24|05.02.24", "v=1.3.2024", "01.03.24|05.02.24"},
+      {"13.02.24|05.02.24", "v=1.3.1950", "01.03.1950|05.02.24"},
+      {"2024-02-13|2024-02-05", "v=14.2.2024", "2024-02-14|2024-02-05"},
+      {"13-FEB-24|05-MAR-24", "v=2024-08-01", "01-AUG-24|05-MAR-24"},
+      {"February 13, 2024|July 5, 2024", "v=1.9.2024", "September 1, 2024|July 5, 2024"},
+      {"2/13/2024 2:07 pm|3/3/2024 12:00 AM", "v=2024-02-14_00:30", "2/14/2024 12:30 am|3/3/2024 12:00 AM"},
+      {"13.2.2024 14:07|5.2.2024", "v=2024-02-14_09:08:07.25", "14.2.2024 09:08:07.25|5.2.2024"},
+      {"13.2.2024 14:07|5.2.2024 09:00", "v=14.2.2024", "14.2.2024 00:00|5.2.2024 09:00"},
+      {"2024-02-13T14:07:30Z|2024-02-05", "v=1.2.2024", "2024-02-01T00:00:00Z|2024-02-05"},  // the last with a time
+      {"20240213|20240205", "v=14.2.2024", "20240214|20240205", "--type v=date"},
+      {"2/13/2024|02/05/2024", "v=3/4/2024", "3/4/2024|02/05/2024", "--date-order mdy"},
+      {"02/13/2024|03/03/2024", "v=3/4/2024", "2024-03-04|03/03/2024"},  // nothing tells month from day any more
+      {"02/13/2024|02/05/2024", "v=3/4/2024",
+       ":3: column \"v\": after --set, \"02/05/2024\" would be read as "
+       "2024-05-02, in a column of type date; say --date-order mdy"},
+      {"02/13/2024|02/05/2024", "v=14/02/2024", "\"14/02/2024\" is not"},
+      {"2024-02-13|2024-02-05", "v=2024-02-14_10:00", "the column is of type date, and \"2024-02-14 10:00\" is not"},
+      {"YES|No|yes", "v=false", "No|No|yes"},
+      {"YES|yes", "v=no", "NO|yes"},
+      {"YES|no|false", "v=false", "false|no|false"},
+      {"True|False", "v=no", "False|False"},
+      {"1,50|2,25", "v=2.5", "2,50|2,25"},
+      {"1,50|2", "v=2.5", "2,5|2"},
+      {"1,50|2", "v=3", "3,0|2"},  // else the column would be one of integers
+      {"1.5|2.5", "v=1e3", "1e3|2.5"},
+      {"1|2", "v=007", "7|2"},
+      {"1|2|-", "v=NA", "NA|2|-"},
+      {"1,5|2", "v=",
+       ":3: column \"v\": after --set, \"2\" would be read as 2, in a column of type "
+       "integer; say --type \"v=float\""},
+      {"1,5|2", "v=", "|2", "--type v=float"},
+      {"x|1", "v=2",
+       ":3: column \"v\": after --set, \"1\" would be read as 1, in a column of type integer; say --type "
+       "\"v=string\""},
+      {"x||", "v=2", "2||"},
+  };
+  const TTestFolder folder;
+  for (const auto& [cells, set, expected, options] : kCases) {
+    SCOPED_TRACE(std::string(cells) + "  " + set);
+    const std::string path = folder.Write("a.csv", FileOfCells(cells));
+    const auto run = [&](const std::string& words) {
+      return RunProgram(Words("table " + path + " " + words + " " + options));
+    };
+    const std::string others = run("--where n!=a --format csv").out;
+    const TRun edit = run(std::string("--in-place --where n=a --set ") + set);
+    const bool isError = edit.code == kUserError;
+    EXPECT_EQ(folder.Read("a.csv"), FileOfCells(isError ? cells : expected)) << edit.err;
+    EXPECT_TRUE(!isError || edit.err.find(expected) != std::string::npos) << edit.err;
+    EXPECT_EQ(run("--where n!=a --format csv").out, others);
+  }
+}
+
 TEST(TableSet, WritesInPlaceOnlyWhenTold) {
   const TTestFolder folder;
-  const std::string path = folder.Write("a.csv", "n\n1\n2\n"), wide = folder.Write("w.csv", "n\n\xE9\n");
+  const std::string path = folder.Write("a.csv", "n\n1\n2\n"), wide = folder.Write("w.csv", "n\n\xE9\n"),
+                    bare = folder.Write("c.csv", "1\n2\n");
   EXPECT_EQ(RunProgram({"table", path, "--set", "n=3", "--where", "n=2", "-o", path}).code, kUserError);
   EXPECT_EQ(RunProgram({"table", path, "--set", "n=3", "--where", "n=2", "-o", folder.Path("b.csv")}).code, kSuccess);
   EXPECT_EQ(folder.Read("a.csv") + folder.Read("b.csv"), "n\n1\n2\nn\n1\n3\n");
@@ -134,6 +208,8 @@ TEST(TableSet, WritesInPlaceOnlyWhenTold) {
       {{"--set", "n=1", "--in-place"}, "--in-place needs a file, not standard input"},
       {{path, "--set", "n=1", "--set", "N="}, "--set names column \"n\" twice"},
       {{"/dev/null", "--set", "n=1", "--in-place"}, "/dev/null: is no file that can be written in place"},
+      {{bare, "--set", "Column 1=", "--where", "Column 1=1"},
+       bare + ": after --set, other columns would be found in the file; say --separator and --header"},
       {{path, "--set", "m=1"}, "no column \"m\"; there are \"n\""},
       {{wide, "--set", "n=x", "--in-place"}, wide + ": is not UTF-8, and would be written as UTF-8; say -o FILE"},
   };
@@ -143,7 +219,7 @@ TEST(TableSet, WritesInPlaceOnlyWhenTold) {
     EXPECT_NE(run.err.find("kestrix: " + error + "\n"), std::string::npos) << run.err;
     EXPECT_EQ(run.code, kUserError);
   }
-  EXPECT_EQ(folder.List(), "a.csv b.csv w.csv");
+  EXPECT_EQ(folder.List(), "a.csv b.csv c.csv w.csv");
 }
 
 /// Columns and texts that have no room in a data set's record are there all the same.
