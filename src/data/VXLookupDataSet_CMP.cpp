@@ -1,7 +1,6 @@
 #include "data/VXLookupDataSet_CMP.h"
 
 #include <algorithm>
-#include <ranges>
 
 #include "platform/component/Published.h"
 #include "platform/runtime/Text.h"
@@ -79,12 +78,19 @@ bool TVXLookupValues::IsSorted() const {
   return true;
 }
 
-/// The first value that stands behind that one, else Count().
+/// The first value that stands behind that one, else Count(). Unsorted values are walked, sorted ones halved.
 std::int32_t TVXLookupValues::FirstBehind(std::int32_t key, const std::string& text, bool sorted) const {
-  const auto isBefore = [&](std::int32_t index) { return !StandsBehind(*Items(index), key, text); };
-  const auto all = std::views::iota(0, Count());
-  const auto found = sorted ? std::ranges::partition_point(all, isBefore) : std::ranges::find_if_not(all, isBefore);
-  return static_cast<std::int32_t>(found - all.begin());
+  std::int32_t first = 0;
+  for (std::int32_t last = Count(); first < last;) {
+    const std::int32_t middle = sorted ? first + (last - first) / 2 : first;
+    if (!StandsBehind(*Items(middle), key, text))
+      first = middle + 1;
+    else if (sorted)
+      last = middle;
+    else
+      break;
+  }
+  return first;
 }
 
 TVXLookupValue* TVXLookupValues::AddLookupValue(std::int32_t key, const std::string& text) {
