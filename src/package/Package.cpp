@@ -15,6 +15,7 @@
 #include "platform/component/Component.h"
 #include "platform/dataset/DataLink.h"
 #include "platform/dataset/Field.h"
+#include "platform/system/Timer.h"
 
 namespace vx {
 
@@ -25,6 +26,7 @@ constexpr TUnitStart kUnits[] = {
     // platform
     &RegisterFields,
     &RegisterDataSource,
+    &RegisterTimer,
     // data
     &VXRAMTable_CMP::Register,
     &VXRAMIndexDef_FieldProperty_UNT::Register,

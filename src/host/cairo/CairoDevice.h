@@ -9,78 +9,92 @@
 // twice the detail, the same layout. Lines, at any scale, begin and end on whole image pixels, so that upright and
 // level ones are crisp; a line is never thinner than one of them.
 //
-// Text is shaped by Pango, with whatever font stands in for a missing one, and measured as it is drawn: unhinted in
-// width, so that a text is equally wide, but for a pixel of rounding, at each scale.
+// Antialiasing. Slanted lines and round shapes are smoothed unless the options say otherwise. Without it each pixel has
+// one colour of those drawn with: lines of one pixel, polygons, rectangles, ellipses and rounded rectangles then follow
+// the arithmetic in PixelPainter.h. What is drawn with pmXor is drawn so in any case: each pixel of the shape changes
+// once, and the same shape again leaves no trace. Text is always smoothed.
 //
 // Errors. A side outside of 1 to kMaxSide, a picture of more than kMaxPixels, or a file that can't be written raises
-// EGraphicError, which names the size or the file. A device owns all it uses, fonts included; devices in different
-// threads don't meet.
+// EGraphicError, which names the size or the file. Nothing that is drawn raises but for memory; what Cairo could not
+// draw raises EGraphicError when the image is asked for.
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
-#include "platform/canvas/CanvasDevice.h"
-#include "platform/runtime/Exceptions.h"
+#include "host/cairo/CairoPainter.h"
 
 namespace vx {
 
-/// A picture that can't be made, or can't be written.
-class EGraphicError : public TNamedException<EGraphicError> {
- public:
-  static constexpr const char* kName = "EGraphicError";
-  using TNamedException::TNamedException;
+class TFastLines;
+class TPixelPainter;
+
+struct TCairoOptions {
+  double Scale = 1.0;     ///< image pixels for each pixel that painters see
+  bool Antialias = true;  ///< of shapes
 };
 
-class TCairoDevice : public ICanvasDevice {
+class TCairoDevice : public TCairoPainter {
  public:
-  static constexpr std::int32_t kMaxSide = 32767;
-  static constexpr std::int64_t kMaxPixels = std::int64_t{1} << 27;  ///< half a gigabyte of memory
+  static constexpr std::int32_t kMaxSide = TBitmap::kMaxSide;
+  static constexpr std::int64_t kMaxPixels = TBitmap::kMaxPixels;  ///< half a gigabyte of memory
 
   /// `size` is what painters see; the limits hold for the image, `size` times `scale`, rounded.
-  explicit TCairoDevice(TSize size, double scale = 1.0);
+  explicit TCairoDevice(TSize size, double scale = 1.0) : TCairoDevice(size, TCairoOptions{.Scale = scale}) {}
+  TCairoDevice(TSize size, const TCairoOptions& options);
   ~TCairoDevice() override;
 
   // -- The image ----------------------------------------------------------------------------------------------------
   TSize ImageSize() const { return image_; }
   /// Colour of one pixel of the image; EGraphicError outside of it.
   TColor PixelAt(TPoint point) const;
-  /// The image as the bytes of a PNG file.
+  /// A copy of the image, opaque.
+  TBitmap ToBitmap() const;
+  /// The image as the bytes of a PNG file; the same drawing gives the same bytes.
   std::string EncodePng() const;
   /// Writes beside `path` first and then renames, so that a failure leaves an older file as it was.
   void SaveToFile(const std::string& path) const;
 
-  // -- ICanvasDevice -------------------------------------------------------------------------------------------------
-  TSize Size() const override { return size_; }
-  TSize MeasureText(std::string_view text, const TFont& font) const override;
+  // -- ICanvasDevice, where an image does it otherwise than a page ----------------------------------------------------
   void SaveClip() override;
   void RestoreClip() override;
-  void IntersectClip(const TRect& rect) override;
-  void FillRect(const TRect& rect, const TBrush& brush) override;
-  void Rectangle(const TRect& rect, const TPen& pen, const TBrush& brush) override;
-  void Ellipse(const TRect& rect, const TPen& pen, const TBrush& brush) override;
-  void Polygon(std::span<const TPoint> points, const TPen& pen, const TBrush& brush) override;
-  void Polyline(std::span<const TPoint> points, const TPen& pen) override;
-  void TextOut(TPoint topLeft, std::string_view text, const TFont& font) override;
+  void IntersectClip(const TRegion& region) override;
+  using TCairoPainter::IntersectClip;
+  void FillRect(const TRect& rect, const TInk& ink) override;
+  void Rectangle(const TRect& rect, const TInk& ink) override;
+  void RoundRect(const TRect& rect, TSize corner, const TInk& ink) override;
+  void Ellipse(const TRect& rect, const TInk& ink) override;
+  void Arc(const TRect& rect, TArc arc, TArcShape shape, const TInk& ink) override;
+  void Polygon(std::span<const TPoint> points, const TInk& ink) override;
+  void Polyline(std::span<const TPoint> points, const TInk& ink) override;
+  void Draw(const TBitmap& bitmap, const TRect& source, const TRect& target) override;
 
  private:
-  struct THandles;
+  struct TLayer;
+  using TPaint = std::function<void(const TInk& ink)>;
+  using TShapeOf = std::function<TRegion(const TRect& rect, std::int32_t inset)>;
 
-  double Edge(std::int32_t pixel) const;
-  double Centre(std::int32_t pixel, double width) const;
-  double WidthOf(const TPen& pen) const;
-  void PathOf(const TRect& rect, double inset);
-  void PathOf(std::span<const TPoint> points, double width);
-  void Fill(const TBrush& brush);
-  enum class TCorners { kSharp, kRound };
-  void Stroke(const TPen& pen, TCorners corners);
-  void SetText(std::string_view text, const TFont& font) const;
+  void Settle() const;
+  std::span<const std::uint32_t> RowAt(std::int32_t y) const;
+  /// Calls `paint` on a sheet of its own, and inverts what it has left there; `bounds` are image pixels.
+  void Invert(const TRect& bounds, const TInk& ink, const TPaint& paint);
+  void InvertBand(const TRect& band, const TPaint& paint, const TInk& ink);
+  void MergeInverted(const TLayer& sheet);
+  void WithPixels(const std::function<void(const TPixelPainter&)>& paint);
+  void StrokeFast(std::span<const TPoint> points, const TInk& ink);
+  void PaintRound(const TRect& rect, const TInk& ink, const TShapeOf& shapeOf);
+  TRect BoundsOf(const TRect& rect) const;
+  TRect BoundsOf(std::span<const TPoint> points, const TInk& ink) const;
+  bool IsSmooth() const;
+  bool IsPixelLine(std::span<const TPoint> points, const TInk& ink) const;
 
-  TSize size_;
   TSize image_;
-  double scale_;
-  std::unique_ptr<THandles> handles_;
+  std::unique_ptr<TLayer> layer_;  ///< what is drawn on at present
+  std::vector<std::shared_ptr<const TRegion>> savedClips_;
+  std::unique_ptr<TFastLines> fastLines_;  ///< with its memory from line to line
 };
 
 }  // namespace vx

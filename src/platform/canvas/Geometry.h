@@ -9,13 +9,16 @@
 //   box.Contains({39, 29});            // true
 //   box.Intersects({40, 20, 50, 30});  // false: they only touch
 //
-// Coordinates beyond some hundred million are not meant: sums are not checked.
+// Coordinates beyond kFarthest are not meant: sums are not checked. Canvases and projections bring them to it.
 #pragma once
 
 #include <algorithm>
 #include <cstdint>
 
 namespace vx {
+
+/// Far outside of any picture, and small enough that sums of a few coordinates don't overflow.
+inline constexpr std::int32_t kFarthest = 1 << 28;
 
 struct TPoint {
   std::int32_t X = 0;

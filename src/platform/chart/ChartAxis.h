@@ -19,9 +19,9 @@
 #include <vector>
 
 #include "platform/canvas/Canvas.h"
+#include "platform/canvas/TextFit.h"
 #include "platform/chart/ChartScale.h"
 #include "platform/chart/ChartStyle.h"
-#include "platform/chart/TextFit.h"
 #include "platform/component/Event.h"
 #include "platform/runtime/Object.h"
 

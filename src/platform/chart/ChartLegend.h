@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "platform/canvas/CanvasDevice.h"
+#include "platform/canvas/TextFit.h"
 #include "platform/chart/ChartStyle.h"
-#include "platform/chart/TextFit.h"
 #include "platform/runtime/Object.h"
 
 namespace vx {

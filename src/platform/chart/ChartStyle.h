@@ -17,10 +17,10 @@ namespace vx {
 
 struct TChartStyle {
   double Scale = 1;
-  TFont TitleFont{};
-  TFont LabelFont{};
-  TPen GridPen{};
-  TPen AxisPen{};
+  TFontData TitleFont{};
+  TFontData LabelFont{};
+  TPenData GridPen{};
+  TPenData AxisPen{};
   std::int32_t Margin = 0;      ///< between the picture's edge and all that is drawn
   std::int32_t Gap = 0;         ///< between parts
   std::int32_t TickLength = 0;  ///< of the marks on the bottom axis

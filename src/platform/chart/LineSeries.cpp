@@ -26,7 +26,7 @@ const TClass& TLineSeries::StaticClass() {
   return info;
 }
 
-TPen TLineSeries::PenFor(const TSeriesFrame& frame) const {
+TPenData TLineSeries::PenFor(const TSeriesFrame& frame) const {
   const TColor color = LinePen.Color == clDefault ? frame.Color : LinePen.Color;
   return {color, Scaled(LinePen.Width, frame.Scale), LinePen.Style};
 }

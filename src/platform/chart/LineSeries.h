@@ -19,16 +19,16 @@ class TLineSeries : public TChartSeries {
   TSeriesShape CalcLegendShape(const TRect& icon, const TSeriesFrame& frame) const override;
 
   /// clDefault is the colour of the series; the width is for a picture of usual size.
-  TPen LinePen{clDefault, 2, psSolid};
+  TPenData LinePen{clDefault, 2, psSolid};
   TSeriesPointer Pointer;
 
  protected:
   ~TLineSeries() override = default;
 
  private:
-  TPen PenFor(const TSeriesFrame& frame) const;
+  TPenData PenFor(const TSeriesFrame& frame) const;
   void AddPointer(TSeriesShape& shape, TPoint at, std::int32_t index, const TSeriesFrame& frame) const;
-  bool MayBeThinned(const TPen& pen) const { return pen.Style == psSolid && !Pointer.Visible; }
+  bool MayBeThinned(const TPenData& pen) const { return pen.Style == psSolid && !Pointer.Visible; }
 };
 
 /// What the pixels show of a line: of each run of points in one pixel column the first, the highest, the lowest and

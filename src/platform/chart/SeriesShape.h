@@ -43,7 +43,7 @@ struct TPointerBox {
 
 /// All that a series paints, in chart pixels.
 struct TSeriesShape {
-  TPen Pen{};  ///< of the lines
+  TPenData Pen{};  ///< of the lines
   std::vector<TBarBox> Bars{};
   std::vector<std::vector<TPoint>> Lines{};  ///< each drawn in one go; between them lie null points
   std::vector<TPointerBox> Pointers{};

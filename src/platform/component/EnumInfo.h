@@ -12,6 +12,16 @@
 //   TextToEnum<TVXRAMFieldType>("VXRFTstring");     // vxrftString; empty for an unknown text
 //
 // Names are written exactly as registered and read without regard to the case of ASCII letters.
+//
+// An enumeration that is rather a number, of which some values have a name (a colour), registers how to find these; it
+// is published as an integer, which streams write by name where it has one:
+//
+//   template <>
+//   struct TEnumInfo<TColor> {
+//     static constexpr std::string_view kTypeName = "TColor";
+//     static std::string NameOf(TColor color);                          // empty if it has none
+//     static std::optional<TColor> ValueOf(std::string_view name);      // empty for an unknown name
+//   };
 #pragma once
 
 #include <cstdint>
@@ -31,6 +41,13 @@ template <class E>
 concept CNamedEnum = requires {
   TEnumInfo<E>::kTypeName;
   TEnumInfo<E>::kNames;
+};
+
+template <class E>
+concept CNumberEnum = !CNamedEnum<E> && requires(E value) {
+  TEnumInfo<E>::kTypeName;
+  TEnumInfo<E>::NameOf(value);
+  TEnumInfo<E>::ValueOf(std::string_view());
 };
 
 template <>
@@ -56,6 +73,23 @@ const TEnumTable& EnumTableOf() {
   }();
   static const TEnumTable table{TEnumInfo<E>::kTypeName, kPrefix, TEnumInfo<E>::kNames};
   return table;
+}
+
+/// The same of an enumeration that is rather a number.
+struct TNumberNames {
+  std::string (*NameOf)(std::int64_t value);                      ///< empty if it has none
+  std::optional<std::int64_t> (*ValueOf)(std::string_view name);  ///< empty for an unknown name
+};
+
+template <CNumberEnum E>
+const TNumberNames& NumberNamesOf() {
+  static constexpr TNumberNames names{[](std::int64_t value) { return TEnumInfo<E>::NameOf(static_cast<E>(value)); },
+                                      [](std::string_view name) -> std::optional<std::int64_t> {
+                                        if (const std::optional<E> value = TEnumInfo<E>::ValueOf(name))
+                                          return static_cast<std::int64_t>(*value);
+                                        return std::nullopt;
+                                      }};
+  return names;
 }
 
 /// The member's name; the number in decimal for an ordinal without one.

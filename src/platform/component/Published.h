@@ -24,7 +24,7 @@
 // getter answers:
 //
 //   bool, a registered enumeration        tkEnumeration (ordinal)         std::string       tkString
-//   integers up to 32 bits                tkInteger (ordinal)             T*, of TObject    tkClass
+//   integers up to 32 bits, TColor        tkInteger (ordinal)             T*, of TObject    tkClass
 //   64-bit integers                       tkInt64 (ordinal)               TEvent&           tkMethod
 //   char                                  tkChar (ordinal)                Variant           tkVariant
 //   TSetOf<a registered enumeration>      tkSet (ordinal: its bits)       double, float     tkFloat
@@ -101,8 +101,9 @@ using TPropValue = std::variant<std::int64_t, double, std::string, TObject*, TAn
 struct TPropInfo {
   std::string Name;
   TTypeKind Kind = tkUnknown;
-  const TEnumTable* Enum = nullptr;  ///< of tkEnumeration and tkSet
-  std::int64_t Least = 0;            ///< the range of an ordinal
+  const TEnumTable* Enum = nullptr;     ///< of tkEnumeration and tkSet
+  const TNumberNames* Names = nullptr;  ///< of a tkInteger of which some numbers have a name
+  std::int64_t Least = 0;               ///< the range of an ordinal
   std::int64_t Greatest = 0;
   const TClass& (*Class)() = nullptr;         ///< of tkClass
   const std::type_info* Signature = nullptr;  ///< of tkMethod
@@ -224,7 +225,11 @@ TEvent<Signature> EventAs(const TAnyEvent& any, const TEvent<Signature>*) {
 /// Kind, type and range of a property whose getter answers a V.
 template <class V>
 void Describe(TPropInfo& info) {
-  if constexpr (std::is_same_v<V, bool> || std::is_enum_v<V>) {
+  if constexpr (CNumberEnum<V>) {
+    Describe<std::underlying_type_t<V>>(info);
+    info.Names = &NumberNamesOf<V>();
+    info.GivenTypeName = TEnumInfo<V>::kTypeName;
+  } else if constexpr (std::is_same_v<V, bool> || std::is_enum_v<V>) {
     static_assert(CNamedEnum<V>, "register the names of the enumeration: TEnumInfo");
     info.Kind = tkEnumeration;
     info.Enum = &EnumTableOf<V>();

@@ -235,6 +235,9 @@ TPropValue TStreamLoad::ReferenceTo() {
 TPropValue TStreamLoad::Value(const TPropInfo& info) {
   const TStreamKind kind = cursor_.Peek();
   switch (info.Kind) {
+    case tkInteger:
+      if (kind == skIdent) return info.Names->ValueOf(cursor_.Ident()).value();
+      return cursor_.Int();
     case tkChar:
       if (kind == skShortText) return static_cast<std::int64_t>(cursor_.Text().front());
       return cursor_.Int();

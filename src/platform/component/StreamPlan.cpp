@@ -253,6 +253,7 @@ class TStreamCheck {
     switch (info.Kind) {
       case tkInteger:
       case tkInt64:
+        if (info.Names != nullptr && kind == skIdent) return Named(shape, info);
         Want(shape, info, isInteger, "a whole number");
         Ordinal(shape, info);
         break;
@@ -293,6 +294,12 @@ class TStreamCheck {
            std::to_string(value) + " is out of the range of " + NameOf(shape, info) + " (" + info.TypeName() + ")");
   }
 
+  void Named(const TStreamShape& shape, const TPropInfo& info) {
+    const std::size_t begin = cursor_.Offset();
+    const std::string_view name = cursor_.Ident();
+    if (!info.Names->ValueOf(name)) FailValue(shape, info, begin, name);
+  }
+
   void Float(const TStreamShape& shape, const TPropInfo& info) {
     const std::size_t begin = cursor_.Offset();
     const double value = cursor_.Peek() == skDouble ? cursor_.Double() : static_cast<double>(cursor_.Int());
@@ -301,8 +308,12 @@ class TStreamCheck {
   }
 
   void Member(const TStreamShape& shape, const TPropInfo& info, std::size_t begin, std::string_view name) {
-    if (GetEnumValue(*info.Enum, name) < 0)
-      Fail(begin, std::string(name) + " is no value of " + NameOf(shape, info) + " (" + info.TypeName() + ")");
+    if (GetEnumValue(*info.Enum, name) < 0) FailValue(shape, info, begin, name);
+  }
+
+  [[noreturn]] void FailValue(const TStreamShape& shape, const TPropInfo& info, std::size_t begin,
+                              std::string_view name) {
+    Fail(begin, std::string(name) + " is no value of " + NameOf(shape, info) + " (" + info.TypeName() + ")");
   }
 
   void Members(const TStreamShape& shape, const TPropInfo& info) {

@@ -240,6 +240,8 @@ class TStreamSave {
     Name(prefix, property_);
     TWriter writer(bytes_, depth_);
     switch (info.Kind) {
+      case tkInteger:
+        return Integer(writer, info, std::get<std::int64_t>(value));
       case tkChar: {
         const auto character = static_cast<char>(std::get<std::int64_t>(value));
         return writer.WriteString({&character, 1});
@@ -259,6 +261,14 @@ class TStreamSave {
       default:
         return writer.WriteInteger(std::get<std::int64_t>(value));
     }
+  }
+
+  static void Integer(TWriter& writer, const TPropInfo& info, std::int64_t value) {
+    const std::string name = info.Names != nullptr ? info.Names->NameOf(value) : std::string();
+    if (name.empty())
+      writer.WriteInteger(value);
+    else
+      writer.WriteIdent(name);
   }
 
   static std::string_view MemberName(const TPropInfo& info, std::int64_t ordinal) {

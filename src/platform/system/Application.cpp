@@ -1,5 +1,6 @@
 #include "platform/system/Application.h"
 
+#include "platform/system/MessageQueue.h"
 #include "platform/system/ShowMessage.h"
 
 namespace vx {
@@ -16,6 +17,8 @@ void TApplication::HandleException(const std::exception& error, TObject* sender)
   else
     ShowMessage(error.what());
 }
+
+void TApplication::ProcessMessages() { MessageQueue().Run(); }
 
 TApplication& Application() {
   static const TOwned<TApplication> application = Make<TApplication>();

@@ -3,6 +3,8 @@
 //   try { table->LoadFromFile(name); }
 //   catch (const std::exception& error) { Application().HandleException(error); }
 //
+//   while (!done) Application().ProcessMessages();    // in a long work: the window stays alive
+//
 // Main thread only.
 #pragma once
 
@@ -24,6 +26,10 @@ class TApplication : public TObject {
   /// What becomes of an error that no caller hears of: nothing for EAbort; OnException if that is assigned; else a
   /// person is told by ShowMessage. Raises only what the handler raises.
   void HandleException(const std::exception& error, TObject* sender = nullptr);
+
+  /// Delivers what is due in the queue in force: posted messages, timers. MessageQueue.h tells the order, and what
+  /// happens to errors of handlers.
+  void ProcessMessages();
 
   TExceptionEvent OnException;
 };

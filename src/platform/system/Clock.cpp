@@ -5,7 +5,9 @@
 #include <cmath>
 #include <cstdint>
 #include <ctime>
-#include <utility>
+#include <thread>
+
+#include "platform/runtime/NumberText.h"
 
 namespace vx {
 
@@ -24,12 +26,14 @@ class TSystemClock : public IClock {
     return EncodeDate(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday) +
            EncodeTime(local.tm_hour, local.tm_min, lastSecond, static_cast<std::int32_t>((now - second).count()));
   }
+  std::int64_t Ticks() override {
+    const auto since = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::floor<std::chrono::milliseconds>(since).count();
+  }
+  void Wait(std::int32_t milliseconds) override {
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+  }
 };
-
-IClock*& ClockInForce() {
-  static IClock* clock = &SystemClock();
-  return clock;
-}
 
 }  // namespace
 
@@ -38,9 +42,18 @@ IClock& SystemClock() {
   return clock;
 }
 
-IClock& Clock() { return *ClockInForce(); }
+std::int64_t IClock::Ticks() {
+  const TDateTime now = Now();
+  const TDateTime day = std::clamp(std::trunc(now), kFirstDate, kLastDate);
+  return Round(day) * kMillisecondsPerDay + Round(std::abs(now - std::trunc(now)) * kMillisecondsPerDay);
+}
 
-void SetClock(IClock* clock) { ClockInForce() = clock != nullptr ? clock : &SystemClock(); }
+IClock& Clock() {
+  IClock* const clock = TInForce<IClock*>::Current();
+  return clock != nullptr ? *clock : SystemClock();
+}
+
+void SetClock(IClock* clock) { TInForce<IClock*>::Current() = clock; }
 
 TDateTime Now() { return Clock().Now(); }
 TDateTime Date() { return std::trunc(Now()); }
@@ -50,8 +63,8 @@ TDateTime Time() {
   return now - std::trunc(now);
 }
 
-TClockScope::TClockScope(IClock& clock) : saved_(std::exchange(ClockInForce(), &clock)) {}
-
-TClockScope::~TClockScope() { SetClock(saved_); }
+void Wait(std::int32_t milliseconds) {
+  if (milliseconds > 0) Clock().Wait(milliseconds);
+}
 
 }  // namespace vx

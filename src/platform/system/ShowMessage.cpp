@@ -4,13 +4,10 @@
 #include <cstdio>
 #include <utility>
 
+#include "platform/system/InForce.h"
+
 namespace vx {
 namespace {
-
-TMessageShower& Shower() {
-  static TMessageShower shower;
-  return shower;
-}
 
 /// A carriage return alone would write a line over the one before.
 void Print(std::string text) {
@@ -21,12 +18,14 @@ void Print(std::string text) {
 }  // namespace
 
 void ShowMessage(const std::string& text) {
-  if (const TMessageShower shower = Shower())
+  if (const TMessageShower shower = TInForce<TMessageShower>::Current())
     shower(text);
   else
     Print(text);
 }
 
-TMessageShower SetMessageShower(TMessageShower shower) { return std::exchange(Shower(), std::move(shower)); }
+TMessageShower SetMessageShower(TMessageShower shower) {
+  return std::exchange(TInForce<TMessageShower>::Current(), std::move(shower));
+}
 
 }  // namespace vx

@@ -136,7 +136,7 @@ TEST(ChartLayout, LeavesOutInactiveSeriesAndTheLegendOfASingleOne) {
 
 TEST(TextFit, ElidesAtACodePoint) {
   const TRecordingDevice device;
-  const TFont font{.Height = 10};  // six pixels for each code point
+  const TFontData font{.Height = 10};  // six pixels for each code point
   const struct {
     const char* text;
     std::int32_t width;
