@@ -21,28 +21,7 @@ namespace vx::kestrix {
 
 namespace {
 
-constexpr std::int32_t kLongestSide = 32767;
 constexpr std::size_t kMostPointers = 60;  ///< periods up to which a line marks its points
-
-// -- Pictures ---------------------------------------------------------------------------------------------------------
-
-enum class TPictureKind { Png, Text };
-
-TPictureKind KindOfOutput(const std::string& output) {
-  const std::string lower = LowerCase(output);
-  if (lower.ends_with(".txt")) return TPictureKind::Text;
-  if (!lower.ends_with(".png") && output != kStandardInput)
-    throw EUserError({output, 0, {}}, "a picture's name ends in .png, or in .txt for the drawing commands as text");
-  if (KESTRIX_WITH_CAIRO == 0) throw EUserError("this program was built without Cairo and draws no .png, only .txt");
-  return TPictureKind::Png;
-}
-
-std::string Draw(const TCustomChart& chart, TSize size, TPictureKind kind) {
-  if constexpr (KESTRIX_WITH_CAIRO != 0) {
-    if (kind == TPictureKind::Png) return PngOf(chart, size);
-  }
-  return DrawingTextOf(chart, size);
-}
 
 // -- Columns ----------------------------------------------------------------------------------------------------------
 
@@ -79,15 +58,6 @@ TChartSeries* NewSeries(TChart& chart, const TChartOptions& options, std::size_t
 
 }  // namespace
 
-std::optional<TSize> SizeOfText(std::string_view text) {
-  const std::size_t cross = text.find('x');
-  if (cross == std::string_view::npos) return std::nullopt;
-  const auto width = ReadInteger(text.substr(0, cross));
-  const auto height = ReadInteger(text.substr(cross + 1));
-  const auto isSide = [](const auto& side) { return side && *side >= 1 && *side <= kLongestSide; };
-  return isSide(width) && isSide(height) ? std::optional(TSize{*width, *height}) : std::nullopt;
-}
-
 TOwned<TChart> MakeChart(const TFoldedChart& folded, const TChartOptions& options, const std::string& title) {
   auto chart = Make<TChart>(nullptr);
   chart->Title().Text = OneLine(title);
@@ -109,7 +79,7 @@ TOwned<TChart> MakeChart(const TFoldedChart& folded, const TChartOptions& option
 }
 
 void RunChart(const TChartOptions& options, const TStreams& streams) {
-  const TPictureKind kind = KindOfOutput(options.output);
+  const TPictureKind kind = KindOfPicture(options.output);
   TResult result(options.output, PathsOf(options.input), streams);
   TInputs inputs(options.input, streams);
   TCsvSource& source = inputs.Source();
@@ -128,7 +98,7 @@ void RunChart(const TChartOptions& options, const TStreams& streams) {
   const TFoldedChart folded = FoldPoints(points, options.by, options.aggregate);
 
   const auto chart = MakeChart(folded, options, options.title.value_or(DefaultTitle(options, headings[columns.value])));
-  const std::string picture = Draw(*chart, options.size, kind);
+  const std::string picture = PictureOf(kind, {.Size = options.size}, {[&](TCanvas& canvas) { chart->Draw(canvas); }});
   CheckInterrupt();
   result.Out() << picture;
   result.Finish();

@@ -41,7 +41,4 @@ void RunChart(const TChartOptions& options, const TStreams& streams);
 /// The chart of folded values, as RunChart draws it.
 TOwned<TChart> MakeChart(const TFoldedChart& folded, const TChartOptions& options, const std::string& title);
 
-/// "1280x720"; sides of 1 to 32767. Nothing for other texts.
-std::optional<TSize> SizeOfText(std::string_view text);
-
 }  // namespace vx::kestrix

@@ -4,6 +4,7 @@
 #include "ChartCommand.h"
 #include "CommandOptions.h"
 #include "Folding.h"
+#include "Picture.h"
 #include "UserError.h"
 
 namespace vx::kestrix {
@@ -45,9 +46,7 @@ TChartOptions OptionsOf(TRawChart raw, bool hasTitle) {
   options.by = GroupModeOfName(raw.by).value_or(vxgrOneMonth);
   options.aggregate = AggregateOfName(raw.aggregate).value_or(vxbtCumulate);
   options.top = static_cast<std::size_t>(raw.top);
-  const auto size = SizeOfText(raw.size);
-  if (!size) throw EUserError("--size " + Quoted(raw.size) + " should be WIDTHxHEIGHT, in pixels of 1 to 32767");
-  options.size = *size;
+  options.size = NeedSize(raw.size);
   if (hasTitle) options.title = raw.title;
   return options;
 }
@@ -71,7 +70,7 @@ TRunCommand AddChart(CLI::App& app) {
       ->check(CLI::IsMember(kAggregateNames));
   command->add_option("--size", raw->size, "Width and height in pixels")->capture_default_str();
   command->add_option("--title", raw->title, "Title (else column and period)");
-  command->add_option("-o,--output", options.output, "The picture to write: NAME.png")->required();
+  command->add_option("-o,--output", options.output, "The picture to write: NAME.png, .svg or .pdf")->required();
   command->footer(kHelp);
   return [raw, command](const TStreams& streams) {
     RunChart(OptionsOf(*raw, command->count("--title") > 0), streams);

@@ -7,7 +7,9 @@
 
 #include "BucketCommand.h"
 #include "ChartCommand.h"
+#include "ColoursCommand.h"
 #include "ConvertCommand.h"
+#include "DrawCommand.h"
 #include "MessagesCommand.h"
 #include "PaletteCommand.h"
 #include "Suggest.h"
@@ -32,6 +34,8 @@ constexpr const char* kExamples = R"(Examples:
   kestrix palette --page "VX Data Access"
   kestrix convert orders.kform orders.bin
   kestrix messages --check languages/kestrix.fr.kres
+  kestrix colours clWindow red 1f5a8c --scheme dark
+  kestrix draw sketch.txt -o sketch.pdf
   kestrix <command> --help)";
 
 struct TCommand {
@@ -40,7 +44,8 @@ struct TCommand {
 };
 
 constexpr TCommand kCommands[] = {{"table", AddTable},     {"bucket", AddBucket},   {"chart", AddChart},
-                                  {"palette", AddPalette}, {"convert", AddConvert}, {"messages", AddMessages}};
+                                  {"palette", AddPalette}, {"convert", AddConvert}, {"messages", AddMessages},
+                                  {"colours", AddColours}, {"draw", AddDraw}};
 
 /// "a, b or c".
 std::string Listed(const std::vector<std::string>& names) {

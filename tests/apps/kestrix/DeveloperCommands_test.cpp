@@ -1,8 +1,9 @@
-// The commands for those who program: palette, convert, messages. And what all commands have in common.
+// The commands for those who program: palette, convert, messages, colours. And what all commands have in common.
 #include <gtest/gtest.h>
 
 #include "apps/kestrix/RunProgram.h"
 #include "package/OddClock.h"
+#include "platform/canvas/SystemColors.h"
 #include "support/Golden.h"
 
 namespace vx::kestrix {
@@ -11,7 +12,8 @@ namespace {
 using TWrongLine = std::pair<const char*, const char*>;  // command line, and the message
 
 TEST(CommandLine, HelpsWithExamples) {
-  for (const char* command : {"", "table ", "bucket ", "chart ", "palette ", "convert ", "messages "}) {
+  for (const char* command :
+       {"", "table ", "bucket ", "chart ", "palette ", "convert ", "messages ", "colours ", "draw "}) {
     const TRun run = RunProgram((command + std::string("--help")).c_str());
     EXPECT_EQ(run.code, kSuccess);
     EXPECT_NE(run.out.find("Examples:"), std::string::npos) << run.out;
@@ -22,7 +24,8 @@ TEST(CommandLine, HelpsWithExamples) {
 
 TEST(CommandLine, TellsWhatIsWrong) {
   constexpr TWrongLine kLines[] = {
-      {"", "a command is missing: table, bucket, chart, palette, convert or messages; see kestrix --help"},
+      {"",
+       "a command is missing: table, bucket, chart, palette, convert, messages, colours or draw; see kestrix --help"},
       {"tabel", "no command \"tabel\"; did you mean \"table\"?"},
       {"bucket chart", "chart: cannot be read: No such file or directory"},
       {"palette TVXRAMTabel", "no class \"TVXRAMTabel\" on the palette; did you mean \"TVXRAMTable\"?"},
@@ -42,6 +45,13 @@ TEST(CommandLine, TellsWhatIsWrong) {
       {"messages --check", "--check wants a translation; see kestrix messages --help"},
       {"messages --check no.kres", "no.kres: cannot be read: No such file or directory"},
       {"messages --language xx", "--language \"xx\" should be a file, or a language that has one here"},
+      {"colours", "a colour is missing: a name (clWindow, red), #rrggbb or $00bbggrr; see kestrix colours --help"},
+      {"colours red clWindwo", "no colour \"clWindwo\"; did you mean \"clWindow\"?"},
+      {"colours #12345", "no colour \"#12345\"; a colour is a name (clWindow, red), #rrggbb or $00bbggrr"},
+      {"colours $123456789", "no colour \"$123456789\"; a colour is a name (clWindow, red), #rrggbb or $00bbggrr"},
+      {"colours $80000019", "\"$80000019\" is the number of no system colour"},
+      {"colours none", "\"none\" stands for no colour at all"},
+      {"colours red --scheme blue", "--scheme: blue not in {light,dark}; see kestrix colours --help"},
   };
   for (const auto& [line, message] : kLines) {
     SCOPED_TRACE(line);
@@ -164,6 +174,28 @@ TEST(MessagesCommand, ShowsATranslationBesideTheTexts) {
   const TRun run = RunProgram({"messages", "--language", file, "--format", "csv"});
   EXPECT_EQ(run.out.substr(0, 60), "Number,Text,x\n99,,more\n14605,Warning,\n14606,Error,\"a\nb\"\n1460") << run.err;
   EXPECT_EQ(RunProgram("messages --format json").out.substr(0, 38), "[\n{\"Number\": 14605, \"Text\": \"Warning\"}");
+}
+
+// -- Colours ----------------------------------------------------------------------------------------------------------
+
+TEST(ColoursCommand, ShowsAllModels) {
+  const TSystemColors before = SystemColors();
+  const TRun run = RunProgram("colours red clBtnFace $00F9FFFF --scheme dark");
+  EXPECT_EQ(run.err, "");
+  EXPECT_TRUE(test::MatchesGolden("apps/colours.txt", run.out));
+  EXPECT_TRUE(SystemColors() == before);
+}
+
+TEST(ColoursCommand, ReadsEachWayToWriteAColour) {
+  const TRun run = RunProgram("colours clnavy NAVY #000080 000080 $800000 $00800000 --format csv");
+  std::vector<std::string> lines = test::Cut(run.out, '\n');
+  ASSERT_EQ(lines.size(), 7u) << run.err;
+  EXPECT_EQ(lines[0].substr(0, 61), "Asked,Colour number,Colour name,Colour web,Bytes red,Bytes gr");
+  for (std::size_t i = 1; i < lines.size(); ++i)
+    EXPECT_EQ(lines[i].substr(lines[i].find(',')), lines[1].substr(lines[1].find(','))) << lines[i];
+  EXPECT_EQ(lines[1].substr(0, 45), "clnavy,$00800000,clNavy,#000080,0,0,128,0,0,0");
+  EXPECT_EQ(RunProgram("colours navy --format json").out.substr(0, 46),
+            "[\n{\"Asked\": \"navy\", \"Colour number\": \"$0080000");
 }
 
 }  // namespace
