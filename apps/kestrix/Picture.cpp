@@ -27,18 +27,24 @@ std::string DrawnPicture(TPictureKind kind, const TPictureLook& look, const std:
   return DrawingTextOf(look.Size, pages.front());
 }
 
+std::optional<TPictureKind> KindOfName(const std::string& output) {
+  const std::string lower = LowerCase(output);
+  if (lower.ends_with(".txt")) return TPictureKind::kText;
+  if (lower.ends_with(".svg")) return TPictureKind::kSvg;
+  if (lower.ends_with(".pdf")) return TPictureKind::kPdf;
+  return lower.ends_with(".png") || output == kStandardInput ? std::optional(TPictureKind::kPng) : std::nullopt;
+}
+
 }  // namespace
 
 TPictureKind KindOfPicture(const std::string& output) {
-  const std::string lower = LowerCase(output);
-  if (lower.ends_with(".txt")) return TPictureKind::kText;
-  if (KESTRIX_WITH_CAIRO == 0)
+  const std::optional<TPictureKind> kind = KindOfName(output);
+  if (!kind)
+    throw EUserError({output, 0, {}},
+                     "a picture's name ends in .png, .svg or .pdf, or in .txt for the drawing commands as text");
+  if (KESTRIX_WITH_CAIRO == 0 && *kind != TPictureKind::kText)
     throw EUserError("this program was built without Cairo and draws no pictures, only .txt");
-  if (lower.ends_with(".svg")) return TPictureKind::kSvg;
-  if (lower.ends_with(".pdf")) return TPictureKind::kPdf;
-  if (lower.ends_with(".png") || output == kStandardInput) return TPictureKind::kPng;
-  throw EUserError({output, 0, {}},
-                   "a picture's name ends in .png, .svg or .pdf, or in .txt for the drawing commands as text");
+  return *kind;
 }
 
 std::string PictureOf(TPictureKind kind, const TPictureLook& look, const std::vector<TPicturePainter>& pages) {
