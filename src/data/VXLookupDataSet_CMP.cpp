@@ -1,7 +1,5 @@
 #include "data/VXLookupDataSet_CMP.h"
 
-#include <algorithm>
-
 #include "platform/component/Published.h"
 #include "platform/runtime/Text.h"
 

@@ -132,22 +132,10 @@ void TCairoDevice::RestoreClip() {
   TCairoPainter::RestoreClip();
 }
 
-namespace {
-
-/// Half and half, so that each rectangle is looked at a few times only.
-TRegion UnitedOf(std::span<const TRect> rects) {
-  if (rects.empty()) return {};
-  if (rects.size() == 1) return TRegion::OfRect(rects[0]);
-  const std::size_t half = rects.size() / 2;
-  return UnitedOf(rects.first(half)).United(UnitedOf(rects.subspan(half)));
-}
-
-}  // namespace
-
 void TCairoDevice::IntersectClip(const TRegion& region) {
   std::vector<TRect> rects;
   for (const TRect& rect : region.Rects()) rects.push_back(Grid().ImageRect(rect));
-  layer_->Clip = std::make_shared<const TRegion>(layer_->Clip->Intersected(UnitedOf(rects)));
+  layer_->Clip = std::make_shared<const TRegion>(layer_->Clip->Intersected(TRegion::OfRects(rects)));
   TCairoPainter::IntersectClip(region);
 }
 
@@ -291,9 +279,9 @@ void TCairoDevice::Polygon(std::span<const TPoint> points, const TInk& ink) {
   std::vector<TPoint> pixels = PixelsOf(WithinReach(Grid().DotsOf(points, width)), width);
   if (pixels.empty()) return;
   WithPixels([&](const TPixelPainter& painter) {
-    const TFilling filling(ink, Grid());
-    if (!isLine) return painter.Fill(TRegion::OfPolygon(pixels, layer_->Clip->Bounds()), filling);
-    painter.FillPolygon(pixels, filling);
+    const auto corners = isLine ? TPolygonCorners::kMiddles : TPolygonCorners::kCorners;
+    painter.Fill(TRegion::OfPolygon(pixels, layer_->Clip->Bounds(), corners), TFilling(ink, Grid()));
+    if (!isLine) return;
     pixels.push_back(pixels.front());
     painter.Polyline(pixels, TStroking(ink, Grid()));
   });

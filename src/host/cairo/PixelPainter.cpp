@@ -38,36 +38,6 @@ class TSlope {
   TPoint to_;
 };
 
-/// A side of a polygon between middles of pixels.
-struct TSide {
-  TPoint Upper;
-  TPoint Lower;
-  std::int32_t Turn;  ///< 1 for a side that was drawn downwards, else -1
-
-  /// The first pixel of the row whose middle doesn't lie left of the side.
-  std::int32_t CrossingAt(std::int32_t y) const {
-    const std::int64_t dx = std::int64_t{Lower.X} - Upper.X;
-    const std::int64_t dy = std::int64_t{Lower.Y} - Upper.Y;
-    return static_cast<std::int32_t>(Upper.X - FloorDiv(-dx * (std::int64_t{y} - Upper.Y), dy));
-  }
-};
-
-std::vector<TSide> SidesOf(std::span<const TPoint> points, const TRect& within) {
-  std::vector<TSide> sides;
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    TSide side{points[i], points[(i + 1) % points.size()], 1};
-    if (side.Lower.Y < side.Upper.Y) side = {side.Lower, side.Upper, -1};
-    if (side.Upper.Y < side.Lower.Y && side.Lower.Y > within.Top && side.Upper.Y < within.Bottom) sides.push_back(side);
-  }
-  std::ranges::sort(sides, {}, [](const TSide& side) { return side.Upper.Y; });
-  return sides;
-}
-
-struct TCrossing {
-  std::int32_t X;
-  std::int32_t Turn;
-};
-
 /// True if neither this rectangle of a clip nor one after it has a part of `target`.
 bool IsBeyond(const TRect& clip, const TRect& target) {
   return clip.Top >= target.Bottom || (clip.Bottom >= target.Bottom && clip.Left >= target.Right);
@@ -128,26 +98,6 @@ void TPixelPainter::Fill(const TRegion& region, const TFilling& filling) const {
 
 void TPixelPainter::Fill(const TRegion& region, std::uint32_t pixel) const {
   for (const TRect& rect : region.Rects()) Fill(rect, pixel);
-}
-
-void TPixelPainter::FillPolygon(std::span<const TPoint> points, const TFilling& filling) const {
-  if (filling.Style == bsClear || clip_.empty()) return;
-  const TRect within = target_.Clip.Bounds();
-  const std::vector<TSide> sides = SidesOf(points, within);
-  std::vector<TSide> active;
-  std::vector<TCrossing> crossings;
-  std::size_t next = 0;
-  for (std::int32_t y = within.Top; y < within.Bottom && (next < sides.size() || !active.empty()); ++y) {
-    std::erase_if(active, [y](const TSide& side) { return side.Lower.Y <= y; });
-    for (; next < sides.size() && sides[next].Upper.Y <= y; ++next)
-      if (sides[next].Lower.Y > y) active.push_back(sides[next]);
-    crossings.clear();
-    for (const TSide& side : active) crossings.push_back({side.CrossingAt(y), side.Turn});
-    std::ranges::sort(crossings, {}, &TCrossing::X);
-    std::int32_t winding = 0;
-    for (std::size_t i = 0; i + 1 < crossings.size(); ++i)
-      if (winding += crossings[i].Turn; winding != 0) Fill({crossings[i].X, y, crossings[i + 1].X, y + 1}, filling);
-  }
 }
 
 TRegion OutlineOf(const TRegion& outer, const TRegion& inner) {

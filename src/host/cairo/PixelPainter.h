@@ -80,9 +80,6 @@ class TPixelPainter {
   void Fill(const TRect& rect, const TFilling& filling) const;
   void Fill(const TRegion& region, const TFilling& filling) const;
   void Fill(const TRegion& region, std::uint32_t pixel) const;
-  /// What lies in the polygon whose corners are middles of pixels; those on its edge belong to it at the left and the
-  /// top only.
-  void FillPolygon(std::span<const TPoint> points, const TFilling& filling) const;
 
   /// The edge of a rectangle, inwards. Dashes run clockwise from the top left.
   void Frame(const TRect& rect, const TStroking& stroking) const;

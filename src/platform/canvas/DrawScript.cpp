@@ -252,13 +252,6 @@ TFontData ReadFont(TLine& line) {
   return font;
 }
 
-/// Joins halves, so that each rectangle takes part in few unions.
-TRegion RegionOf(std::span<const TRect> rects) {
-  if (rects.size() < 2) return rects.empty() ? TRegion() : TRegion::OfRect(rects[0]);
-  const std::size_t half = rects.size() / 2;
-  return RegionOf(rects.first(half)).United(RegionOf(rects.subspan(half)));
-}
-
 bool FollowsInARegion(const TRect& rect, const TRect& last) {
   const bool isInBand = rect.Top == last.Top && rect.Bottom == last.Bottom && rect.Left >= last.Right;
   return isInBand || rect.Top >= last.Bottom;
@@ -480,7 +473,7 @@ void TScript::Clip(TLine& line) {
 
 void TScript::ClipRegion(TLine& line) {
   const std::vector<TRect> rects = ReadRegion(line);
-  Do(line, [&](TCanvas& canvas) { canvas.IntersectClip(RegionOf(rects)); });
+  Do(line, [&](TCanvas& canvas) { canvas.IntersectClip(TRegion::OfRects(rects)); });
 }
 
 // -- Shapes

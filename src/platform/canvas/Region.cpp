@@ -185,9 +185,11 @@ struct TSide {
   std::int32_t Turn;  ///< 1 for a side that was drawn downwards, else -1
 
   /// The first pixel of the row whose middle doesn't lie left of the side. With k rows from the upper end it is
-  ///   X + ceil(((2k + 1) * dx - dy) / 2dy),
-  /// where k * dx is taken apart so that all fits into 64 bits.
-  std::int64_t CrossingAt(std::int32_t row) const {
+  ///   X + ceil(((2k + h) * dx - h * dy) / 2dy),
+  /// where h halves of a pixel lead from the points to the middles, and k * dx is taken apart so that all fits into 64
+  /// bits.
+  std::int64_t CrossingAt(std::int32_t row, TPolygonCorners corners) const {
+    const std::int64_t h = corners == TPolygonCorners::kCorners ? 1 : 0;
     const std::int64_t dx = std::int64_t{Lower.X} - Upper.X;
     const std::int64_t dy = std::int64_t{Lower.Y} - Upper.Y;
     const std::int64_t k = std::int64_t{row} - Upper.Y;
@@ -195,7 +197,7 @@ struct TSide {
     const auto rest = static_cast<std::uint64_t>(k) * static_cast<std::uint64_t>(dx - whole * dy);  // below dy * dy
     const auto quotient = static_cast<std::int64_t>(rest / static_cast<std::uint64_t>(dy));
     const auto remainder = static_cast<std::int64_t>(rest % static_cast<std::uint64_t>(dy));
-    return Upper.X + k * whole + quotient - FloorDiv(dy - dx - 2 * remainder, 2 * dy);
+    return Upper.X + k * whole + quotient - FloorDiv(h * (dy - dx) - 2 * remainder, 2 * dy);
   }
 
  private:
@@ -222,8 +224,8 @@ std::vector<TSide> SidesOf(std::span<const TPoint> points, const TRect& within) 
 /// Goes down the rows of a polygon.
 class TPolygonScan {
  public:
-  TPolygonScan(std::span<const TPoint> points, const TRect& within)
-      : within_(within), sides_(SidesOf(points, within)) {}
+  TPolygonScan(std::span<const TPoint> points, const TRect& within, TPolygonCorners corners)
+      : within_(within), corners_(corners), sides_(SidesOf(points, within)) {}
 
   std::vector<TRect> Run() {
     if (sides_.empty()) return {};
@@ -245,9 +247,9 @@ class TPolygonScan {
   void Scan(std::int32_t row) {
     crossings_.clear();
     for (const TSide& side : active_)
-      crossings_.push_back(
-          {static_cast<std::int32_t>(std::clamp<std::int64_t>(side.CrossingAt(row), within_.Left, within_.Right)),
-           side.Turn});
+      crossings_.push_back({static_cast<std::int32_t>(
+                                std::clamp<std::int64_t>(side.CrossingAt(row, corners_), within_.Left, within_.Right)),
+                            side.Turn});
     std::ranges::sort(crossings_, {}, &TCrossing::X);
     bands_.Begin(row, row + 1);
     AddParts();
@@ -267,6 +269,7 @@ class TPolygonScan {
   }
 
   const TRect within_;
+  const TPolygonCorners corners_;
   const std::vector<TSide> sides_;
   std::size_t next_ = 0;
   std::vector<TSide> active_;
@@ -280,6 +283,13 @@ TRegion TRegion::OfRect(const TRect& rect) {
   TRegion region;
   if (!rect.IsEmpty()) region.rects_.push_back(rect);
   return region;
+}
+
+/// Joins halves, so that each rectangle takes part in few unions.
+TRegion TRegion::OfRects(std::span<const TRect> rects) {
+  if (rects.size() < 2) return rects.empty() ? TRegion() : OfRect(rects[0]);
+  const std::size_t half = rects.size() / 2;
+  return OfRects(rects.first(half)).United(OfRects(rects.subspan(half)));
 }
 
 TRegion TRegion::OfEllipse(const TRect& rect, const TRect& within) {
@@ -305,9 +315,9 @@ TRegion TRegion::OfRoundRect(const TRect& rect, TSize corner, const TRect& withi
   return TRegion(bands.Take());
 }
 
-TRegion TRegion::OfPolygon(std::span<const TPoint> points, const TRect& within) {
+TRegion TRegion::OfPolygon(std::span<const TPoint> points, const TRect& within, TPolygonCorners corners) {
   if (within.IsEmpty()) return {};
-  return TRegion(TPolygonScan(points, within).Run());
+  return TRegion(TPolygonScan(points, within, corners).Run());
 }
 
 TRegion TRegion::United(const TRegion& other) const {

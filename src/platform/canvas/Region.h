@@ -14,6 +14,7 @@
 // band that one cuts in the other. Contains is a binary search.
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <utility>
 #include <vector>
@@ -22,18 +23,27 @@
 
 namespace vx {
 
+/// What the points of a polygon name.
+enum class TPolygonCorners : std::uint8_t {
+  kCorners,  ///< the upper left corners of pixels, as those of a rectangle: {0, 0}, {9, 0}, {9, 9}, {0, 9} are nine
+             ///< rows of nine pixels
+  kMiddles,  ///< the middles of pixels, as those of a line
+};
+
 class TRegion {
  public:
   TRegion() = default;  ///< no pixel
   static TRegion OfRect(const TRect& rect);
+  /// The pixels of all of them. O(n log n) for rectangles of a region.
+  static TRegion OfRects(std::span<const TRect> rects);
   /// A middle on the line itself lies within.
   static TRegion OfEllipse(const TRect& rect, const TRect& within);
   /// `corner` is width and height of the ellipse whose quarters round the corners off; at most the size of `rect`.
   static TRegion OfRoundRect(const TRect& rect, TSize corner, const TRect& within);
   /// Closed; where the polygon overlaps itself the pixel belongs to it, unless both ways round cancel each other (the
-  /// rule of the non-zero winding). Points are the corners of pixels, as those of a rectangle are: {0, 0}, {9, 0},
-  /// {9, 9}, {0, 9} are nine rows of nine pixels. A middle on the line lies within at the left, and not at the right.
-  static TRegion OfPolygon(std::span<const TPoint> points, const TRect& within);
+  /// rule of the non-zero winding). A middle on the line lies within at the left, and not at the right.
+  static TRegion OfPolygon(std::span<const TPoint> points, const TRect& within,
+                           TPolygonCorners corners = TPolygonCorners::kCorners);
 
   TRegion United(const TRegion& other) const;
   TRegion Intersected(const TRegion& other) const;

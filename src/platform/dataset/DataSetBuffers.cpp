@@ -11,6 +11,12 @@
 
 namespace vx {
 
+namespace {
+
+constexpr std::int32_t kLeastBuffers = 2;
+
+}  // namespace
+
 // -- Buffers ----------------------------------------------------------------------------------------------------------
 
 /// All of them, or as many as before.
@@ -155,16 +161,16 @@ std::int32_t TDataSet::GetPriorRecords() {
 // -- Their number -----------------------------------------------------------------------------------------------------
 
 std::int32_t TDataSet::WishedBufferCount() const {
-  std::int32_t count = 2;
-  sources_.ForEach([&](const TDataSource& source) {
-    source.links_.ForEach([&](const TDataLink& link) { count = std::max(count, link.bufferCount_); });
-  });
+  std::int32_t count = kLeastBuffers;
+  sources_.ForEach([&](const TDataSource& source) { count = std::max(count, source.WishedBufferCount()); });
   return count;
 }
 
-/// One link wishes for another number of buffers, 0 standing for one that came or went.
+/// One link wishes for another number of buffers, 0 standing for one that came or went. The wishes of all are gone
+/// through only where this one may have decided, or decides now.
 void TDataSet::WishChanged(std::int32_t former, std::int32_t now) {
-  if (now > bufferCount_ || former >= std::max(bufferCount_, 3)) UpdateBufferCount();
+  const bool mayHaveDecided = former >= bufferCount_ && former > kLeastBuffers;
+  if (now > bufferCount_ || mayHaveDecided) UpdateBufferCount();
 }
 
 void TDataSet::UpdateBufferCount() {
@@ -220,7 +226,10 @@ void TDataSet::GrowBuffers(std::int32_t count) {
   const bool wasBof = bof_, wasEof = eof_;
   const std::int32_t active = activeRecord_;
   TFirstError error;
-  error.Run([&] { GetNextRecords(), GetPriorRecords(); });
+  error.Run([&] {
+    GetNextRecords();
+    GetPriorRecords();
+  });
   if (work.IsOpen()) {
     ShiftLinks(activeRecord_ - active);
     bof_ = wasBof;

@@ -100,7 +100,8 @@ bool IsInRoundRect(const TRect& rect, TSize corner, TPoint p) {
 }
 
 /// How often the sides left of the pixel's middle, or through it, go round it.
-bool IsInPolygon(std::span<const TPoint> points, TPoint p) {
+bool IsInPolygon(std::span<const TPoint> points, TPoint p, TPolygonCorners corners = TPolygonCorners::kCorners) {
+  const int half = corners == TPolygonCorners::kCorners ? 1 : 0;
   int winding = 0;
   for (std::size_t i = 0; i < points.size(); ++i) {
     TPoint upper = points[i];
@@ -109,7 +110,7 @@ bool IsInPolygon(std::span<const TPoint> points, TPoint p) {
     if (turn < 0) std::swap(upper, lower);
     if (p.Y < upper.Y || p.Y >= lower.Y) continue;
     const std::int64_t dy = lower.Y - upper.Y;
-    if ((2 * p.Y + 1 - 2 * upper.Y) * std::int64_t{lower.X - upper.X} <= (2 * p.X + 1 - 2 * upper.X) * dy)
+    if ((2 * p.Y + half - 2 * upper.Y) * std::int64_t{lower.X - upper.X} <= (2 * p.X + half - 2 * upper.X) * dy)
       winding += turn;
   }
   return winding != 0;
@@ -125,7 +126,8 @@ TShape RandomShape(TRandom& random) {
   const TSize corner{From(random, -1, 25), From(random, -1, 25)};
   std::vector<TPoint> points(static_cast<std::size_t>(From(random, 0, 9)));
   for (TPoint& point : points) point = RandomPoint(random);
-  switch (From(random, 0, 3)) {
+  constexpr auto kMiddles = TPolygonCorners::kMiddles;
+  switch (From(random, 0, 4)) {
     case 0:
       return {TRegion::OfRect(rect.Intersected(kWindow)), GridOf([&](TPoint p) { return rect.Contains(p); })};
     case 1:
@@ -133,6 +135,9 @@ TShape RandomShape(TRandom& random) {
     case 2:
       return {TRegion::OfRoundRect(rect, corner, kWindow),
               GridOf([&](TPoint p) { return IsInRoundRect(rect, corner, p); })};
+    case 3:
+      return {TRegion::OfPolygon(points, kWindow, kMiddles),
+              GridOf([&](TPoint p) { return IsInPolygon(points, p, kMiddles); })};
     default:
       return {TRegion::OfPolygon(points, kWindow), GridOf([&](TPoint p) { return IsInPolygon(points, p); })};
   }
